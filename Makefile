@@ -1,0 +1,83 @@
+# Chronolet Plus: every target installs what it is missing (Debian packages, with
+# sudo when not root), configures CMake in its own build folder and runs.
+
+JOBS        ?= $(shell nproc 2>/dev/null || echo 2)
+FUZZ_TIME   ?= 60
+SUDO        := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
+CMAKE_FLAGS ?=
+
+BASE_PKGS     := cmake make g++ libgtest-dev
+BENCH_PKGS    := $(BASE_PKGS) libbenchmark-dev
+FUZZ_PKGS     := cmake make clang libclang-rt-14-dev
+FORMAT_PKGS   := clang-format
+COVERAGE_PKGS := $(BASE_PKGS) gcovr
+
+SANITIZER_ENV := ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:strict_string_checks=1 \
+                 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+
+# $(call ensure,packages): install the packages that dpkg doesn't list as installed.
+define ensure
+	@missing=""; for p in $(1); do \
+	  dpkg-query -W -f='$${Status}' $$p 2>/dev/null | grep -q "ok installed" || missing="$$missing $$p"; \
+	done; \
+	if [ -n "$$missing" ]; then \
+	  echo "Installing:$$missing"; \
+	  $(SUDO) apt-get update -qq && \
+	  DEBIAN_FRONTEND=noninteractive $(SUDO) apt-get install -y -qq --no-install-recommends $$missing; \
+	fi
+endef
+
+.PHONY: all test sanitize bench fuzz format coverage clean
+
+all: test
+
+test:
+	$(call ensure,$(BASE_PKGS))
+	cmake -S . -B build -DCMAKE_BUILD_TYPE=Debug $(CMAKE_FLAGS)
+	cmake --build build -j$(JOBS)
+	ctest --test-dir build --output-on-failure -j$(JOBS)
+
+sanitize:
+	$(call ensure,$(BASE_PKGS))
+	cmake -S . -B build-sanitize -DCMAKE_BUILD_TYPE=Debug -DTK_SANITIZE=ON $(CMAKE_FLAGS)
+	cmake --build build-sanitize -j$(JOBS)
+	$(SANITIZER_ENV) ctest --test-dir build-sanitize --output-on-failure -j$(JOBS)
+
+bench:
+	$(call ensure,$(BENCH_PKGS))
+	cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DTK_BUILD_TESTS=OFF -DTK_BUILD_BENCH=ON $(CMAKE_FLAGS)
+	cmake --build build-bench -j$(JOBS)
+	@for t in $$(tr ';' ' ' < build-bench/bench_targets.txt); do \
+	  echo "== $$t"; build-bench/bench/$$t || exit 1; \
+	done
+
+fuzz:
+	$(call ensure,$(FUZZ_PKGS))
+	cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
+	  -DTK_BUILD_TESTS=OFF -DTK_BUILD_FUZZ=ON $(CMAKE_FLAGS)
+	cmake --build build-fuzz -j$(JOBS)
+	@for t in $$(tr ';' ' ' < build-fuzz/fuzz_targets.txt); do \
+	  echo "== $$t ($(FUZZ_TIME) s)"; mkdir -p build-fuzz/corpus/$$t; \
+	  seeds=fuzz/corpus/$${t#fuzz_}; [ -d $$seeds ] || seeds=; \
+	  build-fuzz/fuzz/$$t -max_total_time=$(FUZZ_TIME) -max_len=4096 -print_final_stats=1 \
+	    build-fuzz/corpus/$$t $$seeds > build-fuzz/$$t.log 2>&1; status=$$?; \
+	  tail -n 12 build-fuzz/$$t.log; [ $$status = 0 ] || exit $$status; \
+	done
+
+format:
+	$(call ensure,$(FORMAT_PKGS))
+	git ls-files -co --exclude-standard -- '*.h' '*.cpp' | xargs -r clang-format -i
+
+coverage:
+	$(call ensure,$(COVERAGE_PKGS))
+	cmake -S . -B build-coverage -DCMAKE_BUILD_TYPE=Debug -DTK_COVERAGE=ON $(CMAKE_FLAGS)
+	cmake --build build-coverage -j$(JOBS)
+	find build-coverage -name '*.gcda' -delete
+	ctest --test-dir build-coverage -j$(JOBS) --output-on-failure
+	gcovr -r . build-coverage --filter '(foundation|records|timers|timesheet|preferences|shell|platform)/' \
+	  --exclude-unreachable-branches --exclude-throw-branches --json-summary build-coverage/coverage.json \
+	  --txt build-coverage/coverage.txt --print-summary
+	python3 tools/coverage_by_folder.py build-coverage/coverage.json
+
+clean:
+	rm -rf build build-sanitize build-bench build-fuzz build-coverage
