@@ -1,0 +1,19 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "records/tkRecordItem.h"
+
+// A billing code of at most 4 bytes. Records share these through the known lists:
+// create() and clone() answer with the list's object for the text (adding it when it is new).
+// The constructor makes a private, unlisted object, which is what a record's empty default is.
+class tkEmployee : public tkRecordItem {
+  public:
+    static constexpr int32_t kMaxLength = 4;
+
+    explicit tkEmployee(const std::string& text = std::string());
+
+    std::shared_ptr<tkStringConvertible> create(const std::string& text) const override;
+    std::shared_ptr<tkStringConvertible> clone() const override;
+};

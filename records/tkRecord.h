@@ -1,0 +1,101 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "foundation/ItkXMLCreatable.h"
+#include "records/tkDate.h"
+#include "records/tkDescription.h"
+#include "records/tkDuration.h"
+#include "records/tkEmployee.h"
+#include "records/tkFeeCode.h"
+#include "records/tkJobNumber.h"
+#include "records/tkRecordFields.h"
+
+class tkTagNode;
+
+// One job entry: date, duration, employee, job number, fee code, description.
+//
+// Date, duration and description are private to the record. The three billing codes are
+// shared with tkKnownRecordItems and with every other record of the same code, so renaming a
+// code in the list renames it here too, and a code that any record holds can't be removed.
+// All six pointers are non-null in every constructed record.
+//
+// Every setter replaces the field's object and posts "Record was edited." (sender: this
+// record), whether or not the value changed; copyFrom() posts nothing.
+class tkRecord : public ItkXMLCreatable {
+  public:
+    // Today's date, a zero duration, and four empty text fields; the empty codes are private
+    // objects, not the known lists' empty entries.
+    tkRecord();
+    // Reads the record from tagged text; see fromTag(). Throws what fromTag() throws.
+    explicit tkRecord(const tkTagNode& node);
+    // Stores the six pointers as given.
+    tkRecord(std::shared_ptr<tkDate> date, std::shared_ptr<tkDuration> duration,
+             std::shared_ptr<tkEmployee> employee, std::shared_ptr<tkJobNumber> jobNumber,
+             std::shared_ptr<tkFeeCode> feeCode, std::shared_ptr<tkDescription> description);
+    // Builds each field from text; the billing codes go through the known lists, which adds
+    // unknown codes to them. A date without '/' throws StringFormatException.
+    tkRecord(const std::string& date, const std::string& duration, const std::string& employee,
+             const std::string& jobNumber, const std::string& feeCode,
+             const std::string& description);
+    // As copyFrom().
+    tkRecord(const tkRecord& other);
+    tkRecord& operator=(const tkRecord& other);
+
+    // Element "record" with one child per field in field order; sheetId isn't written.
+    std::unique_ptr<tkTagNode> toTag() const override;
+    // Reads the six fields (case-insensitive child names; a missing child reads as empty
+    // text) and "sheet_id". Posts "Record was edited." once per field. A date without '/'
+    // throws StringFormatException before any field has changed.
+    void fromTag(const tkTagNode& node) override;
+    ~tkRecord() override;
+
+    tkDate* date() const { return date_.get(); }
+    tkDuration* duration() const { return duration_.get(); }
+    tkDescription* description() const { return description_.get(); }
+    std::shared_ptr<tkEmployee> employee() const { return employee_; }
+    std::shared_ptr<tkJobNumber> jobNumber() const { return jobNumber_; }
+    std::shared_ptr<tkFeeCode> feeCode() const { return feeCode_; }
+    std::string sheetId() const { return sheetId_; }
+
+    // The field of that exact name, or null for any other name.
+    tkStringConvertible* getField(const std::string& name) const;
+
+    // Sets the field of that exact name from text and returns the item it held before, or
+    // null (and no change) for an unknown name. Billing codes are interned: the stored code
+    // is the known list's object, upper-cased and cut to its length.
+    std::shared_ptr<tkStringConvertible> setField(const std::string& name, const std::string& text);
+
+    // New date, duration and description objects of equal value; the billing codes are shared
+    // with other; sheetId is copied. Posts nothing.
+    void copyFrom(const tkRecord& other);
+
+    // Posts "Record was edited." without changing anything.
+    void noteEdited();
+
+    // Each replaces the field and posts "Record was edited.". A null argument stores a new
+    // empty value instead, so that no field is ever null.
+    void setDate(std::shared_ptr<tkDate> date);
+    void setDescription(std::shared_ptr<tkDescription> description);
+    void setDuration(std::shared_ptr<tkDuration> duration);
+    void setEmployee(std::shared_ptr<tkEmployee> employee);
+    void setFeeCode(std::shared_ptr<tkFeeCode> feeCode);
+    void setJobNumber(std::shared_ptr<tkJobNumber> jobNumber);
+
+    // Identity, not value: true when all six items are the very same objects.
+    bool operator==(const tkRecord& other) const;
+
+  private:
+    struct Unset {};
+    explicit tkRecord(Unset);
+    void post();
+
+    std::shared_ptr<tkDate> date_;
+    std::shared_ptr<tkDuration> duration_;
+    std::shared_ptr<tkDescription> description_;
+    std::shared_ptr<tkEmployee> employee_;
+    std::shared_ptr<tkJobNumber> jobNumber_;
+    std::shared_ptr<tkFeeCode> feeCode_;
+    std::string sheetId_;
+};

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "records/tkRecord.h"
+
+class tkTagNode;
+
+// The record as one tab-delimited line: the six fields' text in field order, five tabs, no
+// line end. With useDisplayDate the date goes through the installed date formatter.
+std::string toTabLine(const tkRecord& record, bool useDisplayDate);
+std::string toTabLine(const tkRecord& record);
+
+// A new record from a line of exactly five tabs. Throws StringFormatException with
+// "Not enough tabs in line: " or "Too many tabs in line: " and the whole line, or the date's
+// own error; nothing partial reaches the caller. Unknown billing codes join the known lists;
+// an empty date is today, an empty duration zero. With useDisplayDate the date is first
+// turned back from the user's form through the installed date formatter.
+std::unique_ptr<tkRecord> fromTabLine(const std::string& line, bool useDisplayDate);
+std::unique_ptr<tkRecord> fromTabLine(const std::string& line);
+
+// A new record read from tagged text (the record's fromTag on a default record).
+std::unique_ptr<tkRecord> recordFromTag(const tkTagNode& node);
