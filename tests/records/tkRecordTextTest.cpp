@@ -66,11 +66,6 @@ TEST_F(tkRecordLine, NewRecordIsDateDurationAndFourEmptyFields) {
     EXPECT_EQ(toTabLine(record), "1/2/5\t00:00:00\t\t\t\t");
 }
 
-TEST_F(tkRecordLine, FieldsStandInFieldOrderInCanonicalForm) {
-    const tkRecord record("3/4/2005", "1.5", "ab", "j1", "fc", "desc ribe");
-    EXPECT_EQ(toTabLine(record, false), "3/4/5\t01:30:00\tAB\tJ1\tFC\tdesc ribe");
-}
-
 TEST_F(tkRecordLine, FiveTabsAloneGiveTodayZeroAndEmptyFields) {
     const auto record = fromTabLine("\t\t\t\t\t");
     EXPECT_EQ(record->date()->toString(), "1/2/5");

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "timesheet/tkUndoableEdit.h"
+
+class tkTimeSheet;
+
+// Several edits taken as one undo step. Its constructor posts "Time sheet began compound
+// edit." and end() posts "Time sheet ended compound edit.", both with the owner as sender,
+// so that the window can hold back its refreshes while the parts do their work. undo() and
+// redo() post no bracket: each part's own posts are delivered one by one.
+class tkCompoundEdit : public tkUndoableEdit {
+  public:
+    // owner is only the sender of the two bracket notifications; it may be null.
+    explicit tkCompoundEdit(tkTimeSheet* owner);
+
+    // Appends edit while in progress. After end() the edit is dropped (and freed) without a
+    // word.
+    void addEdit(std::unique_ptr<tkUndoableEdit> edit);
+    // Closes the compound: no more parts, undoable from now on, and the closing bracket.
+    virtual void end();
+
+    // Undoes the parts from last to first, whatever its own flags say.
+    void undo() override;
+    // Redoes the parts from first to last.
+    void redo() override;
+
+    std::string getPresentationName() const override;
+    void setPresentationName(const std::string& name);
+
+    // Number of parts.
+    size_t count() const { return edits_.size(); }
+    bool isInProgress() const { return inProgress_; }
+
+  protected:
+    tkTimeSheet* owner_;
+    std::vector<std::unique_ptr<tkUndoableEdit>> edits_;
+    bool inProgress_ = true;
+    std::string presentationName_;
+};
