@@ -1,5 +1,7 @@
 #include "records/tkPreferencesLink.h"
 
-// Nothing to mark until the preferences model is linked in; the known lists call this on
-// every change, so connecting it here is all the preferences need.
-void markPreferencesDirty() {}
+#include "preferences/tkPreferences.h"
+
+// The preferences file carries the known code lists, so any change to them makes
+// the preferences dirty, and the save handler writes the file within the post.
+void markPreferencesDirty() { tkPreferences::instance().setDirty(true); }

@@ -1,0 +1,141 @@
+#include "preferences/tkPreferences.h"
+
+#include "foundation/tkFileManager.h"
+#include "foundation/tkNotificationNames.h"
+#include "foundation/tkTagNode.h"
+#include "preferences/tkPaths.h"
+#include "records/tkDefaultRecord.h"
+#include "records/tkKnownRecordItems.h"
+#include "records/tkRecord.h"
+#include "records/tkRecordFields.h"
+#include "timesheet/tkTimeSheet.h"
+
+tkPreferences& tkPreferences::instance() {
+    static tkPreferences preferences;
+    return preferences;
+}
+
+tkPreferences::tkPreferences() {
+    setDefaults();
+    // Edits of the default record and of the sort order live in this file,
+    // so whoever makes them, the preferences become dirty.
+    const tkHandler handler = [this](const tkNotification&) { markDirtyAndPost(); };
+    tkNotificationCenter& center = tkNotificationCenter::instance();
+    center.addObserver(this, handler, kDefaultRecordChanged, nullptr);
+    center.addObserver(this, handler, kTimeSheetSortByChanged, nullptr);
+}
+
+tkPreferences::~tkPreferences() {
+    tkNotificationCenter& center = tkNotificationCenter::instance();
+    center.removeObserver(this, kDefaultRecordChanged, nullptr);
+    center.removeObserver(this, kTimeSheetSortByChanged, nullptr);
+}
+
+void tkPreferences::setDefaults() {
+    _timersFile = timersFilePath(false);
+    _timeSheetFile = defaultTimeSheetFilePath();
+    _singleWindowMode = true;
+    _timeSheetOpen = true;
+    _timeSheetWorldWritable = true;
+    _dirty = false;
+}
+
+void tkPreferences::markDirtyAndPost() {
+    _dirty = true;
+    tkNotificationCenter::instance().postNotification(tkNotification(kPreferencesChanged, this, 0));
+}
+
+void tkPreferences::setDirty(bool value) {
+    if (value) {
+        markDirtyAndPost();
+    } else {
+        _dirty = false;
+    }
+}
+
+void tkPreferences::setSingleWindowMode(bool value) {
+    if (value == _singleWindowMode) {
+        return;
+    }
+    _singleWindowMode = value;
+    markDirtyAndPost();
+}
+
+void tkPreferences::setTimeSheetOpen(bool value) {
+    // No test for a change, unlike the other flags: kept as it always was.
+    _timeSheetOpen = value;
+    markDirtyAndPost();
+}
+
+void tkPreferences::setTimeSheetWorldWritable(bool value) {
+    if (value == _timeSheetWorldWritable) {
+        return;
+    }
+    _timeSheetWorldWritable = value;
+    markDirtyAndPost();
+}
+
+bool tkPreferences::setTimeSheetFile(const std::string& path, bool moveFile) {
+    if (moveFile) {
+        tkFileManager& manager = tkFileManager::instance();
+        const std::unique_ptr<tkFile> present = manager.makeFile(_timeSheetFile);
+        if (!manager.moveFile(*present, path)) {
+            return false;
+        }
+    }
+    _timeSheetFile = path;
+    markDirtyAndPost();
+    return true;
+}
+
+bool tkPreferences::resetSaveLocation() {
+    if (!setTimeSheetFile(defaultTimeSheetFilePath(), true)) {
+        return false;
+    }
+    setDefaults();
+    markDirtyAndPost();
+    return true;
+}
+
+std::string tkPreferences::preferencesFile() const {
+    return preferencesFilePath(false);
+}
+
+std::unique_ptr<tkTagNode> tkPreferences::toTag() const {
+    auto node = std::make_unique<tkTagNode>("tkPreferences");
+    // The writer's spellings ("timesheetOpen") differ from the reader's
+    // ("timeSheetOpen"); lookups ignore case, and keeping the spelling keeps
+    // the files byte-equal with earlier versions.
+    node->addChild("singleWindowMode", _singleWindowMode);
+    node->addChild("timesheetOpen", _timeSheetOpen);
+    // Written twice on purpose: old files have it twice, and the reader takes
+    // the first.
+    node->addChild("singleWindowMode", _singleWindowMode);
+    node->addChild("sortBy", tkTimeSheet::instance().sortBy());
+    node->addChild("timesheetWorldWritable", _timeSheetWorldWritable);
+    node->addChild("timeSheetFile", _timeSheetFile);
+    node->addChild(tkKnownRecordItems::instance().toTag());
+    node->addChild(newFromDefault()->toTag());
+    return node;
+}
+
+void tkPreferences::fromTag(const tkTagNode& node) {
+    _singleWindowMode = node.childBool("singleWindowMode", _singleWindowMode);
+    _timeSheetOpen = node.childBool("timeSheetOpen", _timeSheetOpen);
+    _timeSheetWorldWritable = node.childBool("timeSheetWorldWritable", _timeSheetWorldWritable);
+    _timeSheetFile = node.childText("timeSheetFile", _timeSheetFile);
+    if (const tkTagNode* known = node.findChild("tkKnownRecordItems")) {
+        tkKnownRecordItems::instance().fromTag(*known);
+    }
+    if (const tkTagNode* record = node.findChild(kRecordElement)) {
+        // Setting the default record posts, and our own handler then marks
+        // these preferences dirty: a file with a record reads as dirty.
+        const tkRecord loaded(*record);
+        setDefaultRecord(loaded);
+    }
+    // Validated and kept; the time sheet starts every launch with its own key.
+    _sortBy = node.childText("sortBy", "");
+    if (!isFieldName(_sortBy)) {
+        _sortBy = kSortOff;
+    }
+}

@@ -1,0 +1,126 @@
+#include "platform/tkFilePosix.h"
+
+#include <gtest/gtest.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "tests/platform/tkPlatformTestSupport.h"
+#include "tests/support/tkTempHome.h"
+
+namespace {
+
+struct PathCase {
+    const char* path;
+    const char* name;
+    const char* directory;
+};
+
+TEST(tkFilePaths, NameAndDirectoryFollowTheLastComponent) {
+    const PathCase cases[] = {
+        {"/a/b/c.txt", "c.txt", "/a/b"},
+        {"/a/b/", "b", "/a"},
+        {"/a", "a", "/"},
+        {"/", "/", "/"},
+        {"name", "name", ""},
+        {"rel/name", "name", "rel"},
+        {"/a//b", "b", "/a"},
+        {"", "", ""},
+        {"/Users/x/J. Doe's Time Sheet.txt", "J. Doe's Time Sheet.txt", "/Users/x"},
+    };
+    for (const PathCase& c : cases) {
+        tkFilePosix file(c.path);
+        EXPECT_EQ(file.name(), c.name) << "path: " << c.path;
+        EXPECT_EQ(file.directory(), c.directory) << "path: " << c.path;
+    }
+}
+
+TEST(tkFilePaths, LeadingTildeIsExpandedAtConstruction) {
+    tkTempHome home;
+    EXPECT_EQ(tkFilePosix("~/x/y.txt").path(), home.root() + "/x/y.txt");
+    EXPECT_EQ(tkFilePosix("~").path(), home.root());
+    EXPECT_EQ(tkFilePosix("/abs/~/y").path(), "/abs/~/y");
+    EXPECT_EQ(tkFilePosix("a~b").path(), "a~b");
+    const struct passwd* rootEntry = ::getpwnam("root");
+    ASSERT_NE(rootEntry, nullptr);
+    EXPECT_EQ(tkFilePosix("~root/f").path(), std::string(rootEntry->pw_dir) + "/f");
+    // An unknown user leaves the path alone rather than inventing a folder.
+    EXPECT_EQ(tkFilePosix("~no-such-user-tk/f").path(), "~no-such-user-tk/f");
+}
+
+TEST(tkFilePosixRead, ReadsBytesAsTheyAreAndMissingFileAsEmpty) {
+    tkTempHome home;
+    const std::string bytes("tab\there\r\nnul\0byte\xff", 20);
+    home.writeText("f.bin", bytes);
+    EXPECT_EQ(tkFilePosix(home.path("f.bin")).read(), bytes);
+    EXPECT_EQ(tkFilePosix(home.path("missing")).read(), "");
+    EXPECT_EQ(tkFilePosix(home.root()).read(), "");
+}
+
+TEST(tkFilePosixWrite, MissingFileStaysMissing) {
+    tkTempHome home;
+    tkFilePosix file(home.path("missing.txt"));
+    file.write("text");
+    EXPECT_FALSE(home.exists("missing.txt"));
+}
+
+TEST(tkFilePosixWrite, ReplacesWholeContentAndLeavesNothingBehind) {
+    tkTempHome home;
+    home.writeText("f.txt", "a much longer old content than the new one");
+    tkFilePosix file(home.path("f.txt"));
+    file.write("short");
+    EXPECT_EQ(home.readText("f.txt"), "short");
+    file.write("");
+    EXPECT_EQ(home.readText("f.txt"), "");
+    // Only the file itself: no temporary stays in the folder.
+    int entries = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(home.root())) {
+        (void)entry;
+        ++entries;
+    }
+    EXPECT_EQ(entries, 1);
+}
+
+TEST(tkFilePosixWrite, KeepsPermissionsOfTheOldFile) {
+    tkTempHome home;
+    home.writeText("f.txt", "old");
+    ::chmod(home.path("f.txt").c_str(), 0640);
+    tkFilePosix(home.path("f.txt")).write("new");
+    EXPECT_EQ(home.readText("f.txt"), "new");
+    EXPECT_EQ(permissionsOf(home.path("f.txt")), 0640u);
+}
+
+TEST(tkFilePosixWrite, WritesThroughSymlinkAndKeepsTheLink) {
+    tkTempHome home;
+    home.writeText("target.txt", "old");
+    ASSERT_EQ(::symlink(home.path("target.txt").c_str(), home.path("link.txt").c_str()), 0);
+    tkFilePosix(home.path("link.txt")).write("new");
+    struct stat info;
+    ASSERT_EQ(::lstat(home.path("link.txt").c_str(), &info), 0);
+    EXPECT_TRUE(S_ISLNK(info.st_mode));
+    EXPECT_EQ(home.readText("target.txt"), "new");
+}
+
+TEST(tkFilePosixWrite, FolderAndFilePermissionsDecideHowOrWhetherToWrite) {
+    tkTempHome home;
+    home.writeText("locked/f.txt", "old content");
+    ::chmod(home.path("locked/f.txt").c_str(), 0666);
+    ::chmod(home.path("locked").c_str(), 0555);
+    home.writeText("open/ro.txt", "read only");
+    ::chmod(home.path("open/ro.txt").c_str(), 0444);
+    ::chmod(home.path("open").c_str(), 0777);
+    runUnprivileged(home.root(), [&] {
+        testing::internal::CaptureStdout();
+        // The folder can't take a temporary file: written in place.
+        tkFilePosix(home.path("locked/f.txt")).write("new");
+        EXPECT_EQ(home.readText("locked/f.txt"), "new");
+        // The folder could, but the file itself is not ours to write.
+        tkFilePosix(home.path("open/ro.txt")).write("overwritten");
+        EXPECT_EQ(home.readText("open/ro.txt"), "read only");
+        testing::internal::GetCapturedStdout();
+    });
+}
+
+}  // namespace

@@ -1,0 +1,384 @@
+#include "shell/tkLaunchSequence.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+
+#include "foundation/tkNotificationNames.h"
+#include "foundation/tkTagParser.h"
+#include "preferences/tkPreferences.h"
+#include "records/tkRecord.h"
+#include "shell/tkAppState.h"
+#include "shell/tkDataFiles.h"
+#include "tests/shell/tkShellTestSupport.h"
+#include "timers/tkHeadlessTimerUI.h"
+#include "timers/tkHeadlessTimerWindow.h"
+#include "timers/tkTimer.h"
+#include "timers/tkTimerArray.h"
+#include "timers/tkTimerController.h"
+#include "timesheet/tkTimeSheet.h"
+
+namespace {
+
+using tkLaunchTest = tkShellTest;
+
+// ---- a normal start ----
+
+TEST_F(tkLaunchTest, FirstStartWithNoFilesComesUpWithOneTimerAndAnEmptySheet) {
+    launch();
+    tkTimerArray& timers = tkTimerArray::instance();
+    ASSERT_EQ(timers.numTimers(), 1u);
+    EXPECT_EQ(timers.timerAt(0)->getTitle(), "Timer 1");
+    EXPECT_TRUE(noPreferencesFound());
+    EXPECT_TRUE(timeSheetReady());
+    EXPECT_GE(timeSheetLock(), 0);
+    EXPECT_EQ(home.readText(sheetPath()), "") << "the sheet is created, empty";
+    EXPECT_TRUE(home.exists(timersPath())) << "the new timer is saved at once";
+    EXPECT_TRUE(frontEnd.eventsOf(Kind::ErrorDialog).empty());
+    EXPECT_TRUE(frontEnd.eventsOf(Kind::ErrorWindow).empty());
+    ASSERT_EQ(frontEnd.eventsOf(Kind::LoadTimeSheet).size(), 1u);
+    auto* window = dynamic_cast<tkHeadlessTimerWindow*>(timers.windowForTimer(0));
+    ASSERT_NE(window, nullptr);
+    EXPECT_GE(window->timesBroughtToFront(), 1u);
+}
+
+TEST_F(tkLaunchTest, SavedStateComesBackAtTheNextLaunch) {
+    EXPECT_EQ(inChild([&] {
+                  launch();
+                  tkTimerArray::instance().timerAt(0)->setTitle("Kept title");
+                  tkPreferences::instance().setSingleWindowMode(false);
+                  auto record = std::make_shared<tkRecord>("3/4/05", "00:10:00", "ANN", "J1", "F1",
+                                                           "kept row");
+                  tkTimeSheet::instance().addEntry(record);
+              }),
+              0);
+    launch();
+    tkTimerArray& timers = tkTimerArray::instance();
+    ASSERT_EQ(timers.numTimers(), 1u);
+    EXPECT_EQ(timers.timerAt(0)->getTitle(), "Kept title");
+    EXPECT_FALSE(tkPreferences::instance().isSingleWindowMode());
+    ASSERT_EQ(tkTimeSheet::instance().rowCount(), 1u);
+    EXPECT_EQ(tkTimeSheet::instance().rows()[0]->description()->toString(), "kept row");
+}
+
+// ---- the old places ----
+
+TEST_F(tkLaunchTest, OnlyOldFilesAreReadAndLeftWhereTheyAre) {
+    const std::string old = timersText({"Old A", "Old B"});
+    home.writeText(oldTimersPath(), old);
+    home.writeText(oldPreferencesPath(),
+                   "<tkPreferences><timesheetOpen>false</timesheetOpen></tkPreferences>");
+    launch();
+    EXPECT_FALSE(tkPreferences::instance().isTimeSheetOpen());
+    EXPECT_FALSE(noPreferencesFound());
+    tkTimerArray& timers = tkTimerArray::instance();
+    ASSERT_EQ(timers.numTimers(), 2u);
+    EXPECT_EQ(timers.timerAt(1)->getTitle(), "Old B");
+    EXPECT_EQ(home.readText(oldTimersPath()), old);
+
+    timers.timerAt(0)->setTitle("Changed");
+    EXPECT_EQ(home.readText(oldTimersPath()), old) << "never written";
+    const std::optional<std::string> written = home.readText(timersPath());
+    ASSERT_TRUE(written.has_value()) << "the first change creates the new file";
+    EXPECT_NE(written->find("Changed"), std::string::npos);
+}
+
+TEST_F(tkLaunchTest, NewFilesWinOverOldOnes) {
+    home.writeText(oldTimersPath(), timersText({"Old"}));
+    home.writeText(timersPath(), timersText({"New 1", "New 2", "New 3"}));
+    home.writeText(oldPreferencesPath(),
+                   "<tkPreferences><singleWindowMode>false</singleWindowMode></tkPreferences>");
+    home.writeText(preferencesPath(),
+                   "<tkPreferences><timesheetOpen>false</timesheetOpen></tkPreferences>");
+    launch();
+    EXPECT_EQ(tkTimerArray::instance().numTimers(), 3u);
+    EXPECT_EQ(tkTimerArray::instance().timerAt(0)->getTitle(), "New 1");
+    EXPECT_TRUE(tkPreferences::instance().isSingleWindowMode()) << "the old file was read";
+    EXPECT_FALSE(tkPreferences::instance().isTimeSheetOpen());
+    EXPECT_FALSE(noPreferencesFound());
+}
+
+TEST_F(tkLaunchTest, NewFileWithoutTimersBeatsAnOldOneWithTimers) {
+    home.writeText(oldTimersPath(), timersText({"Old A", "Old B"}));
+    home.writeText(timersPath(), timersText({}));
+    launch();
+    tkTimerArray& timers = tkTimerArray::instance();
+    ASSERT_EQ(timers.numTimers(), 1u) << "a fresh timer, none of the old ones";
+    EXPECT_EQ(timers.timerAt(0)->getTitle(), "Timer 1");
+}
+
+// ---- broken files ----
+
+TEST_F(tkLaunchTest, MalformedTimersFileIsMovedAsideAndReported) {
+    tkCorruptTimersGuard guard;
+    const std::string broken = "<timerArray><timer 0><title>x</title>";
+    home.writeText(timersPath(), broken);
+    launch();
+
+    EXPECT_EQ(guard.contents(), broken);
+    const auto dialogs = frontEnd.eventsOf(Kind::ErrorDialog);
+    ASSERT_EQ(dialogs.size(), 1u);
+    EXPECT_EQ(dialogs[0].name, "Malformed File");
+    EXPECT_FALSE(dialogs[0].modal);
+    EXPECT_EQ(dialogs[0].message,
+              "Chronolet Plus could not read the timer file from " + timersPath() +
+                  ".  This file has been moved to /tmp/corrupt_timers.txt.  Details of the error: "
+                  "File has unmatched timerArray tag.");
+
+    // The application is usable: a fresh timer, and its changes reach the
+    // file through the controller's direct saves although no handler is on.
+    tkTimerArray& timers = tkTimerArray::instance();
+    ASSERT_EQ(timers.numTimers(), 1u);
+    timers.controllerAt(0)->startStop();
+    const std::optional<std::string> saved = home.readText(timersPath());
+    ASSERT_TRUE(saved.has_value());
+    EXPECT_NE(saved->find("<started>true</started>"), std::string::npos) << *saved;
+}
+
+TEST_F(tkLaunchTest, MalformedTimersFileThatCantBeMovedIsDeleted) {
+    tkCorruptTimersGuard guard;
+    guard.plant("left by an earlier crash");
+    home.writeText(timersPath(), "<timerArray>");
+    launch();
+
+    EXPECT_EQ(guard.contents(), "left by an earlier crash");
+    const auto dialogs = frontEnd.eventsOf(Kind::ErrorDialog);
+    ASSERT_EQ(dialogs.size(), 1u);
+    // The doubled full stop is how this message has always read.
+    EXPECT_EQ(dialogs[0].message,
+              "Chronolet Plus could not read the timer file from " + timersPath() +
+                  ".  This file could not be moved; it has been deleted..  Details of the error: "
+                  "File has unmatched timerArray tag.");
+    EXPECT_EQ(tkTimerArray::instance().numTimers(), 1u);
+}
+
+TEST_F(tkLaunchTest, BadPreferencesAreReportedAndDefaultsUsed) {
+    home.writeText(preferencesPath(), "<tkPreferences><singleWindowMode>false");
+    launch();
+    const auto dialogs = frontEnd.eventsOf(Kind::ErrorDialog);
+    ASSERT_EQ(dialogs.size(), 1u);
+    EXPECT_FALSE(dialogs[0].modal);
+    EXPECT_TRUE(tkPreferences::instance().isSingleWindowMode());
+    EXPECT_EQ(tkTimerArray::instance().numTimers(), 1u);
+}
+
+TEST_F(tkLaunchTest, BadlyFormattedSheetShowsModalDialogThenReadWindow) {
+    home.writeText(sheetPath(), "no tabs in this line\n");
+    testing::internal::CaptureStderr();
+    launch();
+    const std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_NE(log.find("Time sheet badly formatted.\n"), std::string::npos) << log;
+    const auto& events = frontEnd.events();
+    ASSERT_GE(events.size(), 2u);
+    EXPECT_EQ(events[0].kind, Kind::ErrorDialog);
+    EXPECT_TRUE(events[0].modal);
+    EXPECT_EQ(events[1].kind, Kind::ErrorWindow);
+    EXPECT_EQ(events[1].window, tkTSErrorWindow::Read);
+    EXPECT_EQ(events[1].directory, home.supportFolder());
+    EXPECT_EQ(events[1].fileName, "Test User's Time Sheet.txt");
+    EXPECT_EQ(home.readText(sheetPath()), "no tabs in this line\n") << "the bad file is kept";
+}
+
+TEST_F(tkLaunchTest, UnwritableSheetLogsAndOpensTheReadWindowWithoutDialog) {
+    home.writeText(sheetPath(), row("mine"));
+    ::chmod(sheetPath().c_str(), 0444);
+    frontEnd.scriptAnswer({tkTSErrorAnswer::Action::CreateNew, home.path("fresh.txt")});
+    testing::internal::CaptureStderr();
+    launchFaulty([](tkFileFaults& faults) { faults.honourModeBits = true; });
+    const std::string log = testing::internal::GetCapturedStderr();
+
+    EXPECT_NE(log.find("Cannot read the time sheet file.\n"), std::string::npos) << log;
+    EXPECT_TRUE(frontEnd.eventsOf(Kind::ErrorDialog).empty());
+    const auto windows = frontEnd.eventsOf(Kind::ErrorWindow);
+    ASSERT_EQ(windows.size(), 1u);
+    EXPECT_EQ(windows[0].window, tkTSErrorWindow::Read);
+    EXPECT_EQ(tkPreferences::instance().timeSheetFile(), home.path("fresh.txt"));
+    EXPECT_EQ(home.readText("fresh.txt"), "");
+    EXPECT_EQ(home.readText(sheetPath()), row("mine"));
+}
+
+// ---- a second copy of the program ----
+
+TEST_F(tkLaunchTest, SecondCopyIsLockedOutAndTheFirstGoesOnUndisturbed) {
+    home.writeText(sheetPath(), row("first copy's row"));
+    int ready[2];
+    int proceed[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    ASSERT_EQ(::pipe(proceed), 0);
+    const pid_t first = ::fork();
+    ASSERT_GE(first, 0);
+    if (first == 0) {
+        // The first copy: a full launch, then it waits, then it saves.
+        tkHeadlessAppFrontEnd ownFrontEnd;
+        tkLaunchSequence own(ownFrontEnd, [] { return std::make_unique<tkFileManagerPosix>(); });
+        own.applicationDidFinishLaunching();
+        const char ok = timeSheetLock() >= 0 ? '1' : '0';
+        (void)!::write(ready[1], &ok, 1);
+        char go = 0;
+        (void)!::read(proceed[0], &go, 1);
+        tkTimeSheet::instance().addEntry(
+            std::make_shared<tkRecord>("1/3/03", "00:30:00", "EMP", "JOB", "FEE", "after"));
+        ::_exit(tkTimeSheet::instance().rowCount() == 2 ? 0 : 1);
+    }
+    char ok = 0;
+    ASSERT_EQ(::read(ready[0], &ok, 1), 1);
+    ASSERT_EQ(ok, '1');
+
+    testing::internal::CaptureStderr();
+    launch();  // the second copy; the headless front end answers Quit
+    const std::string log = testing::internal::GetCapturedStderr();
+
+    EXPECT_NE(log.find("file locked exception"), std::string::npos) << log;
+    const auto& events = frontEnd.events();
+    ASSERT_GE(events.size(), 2u);
+    EXPECT_EQ(events[0].kind, Kind::ErrorDialog);
+    EXPECT_TRUE(events[0].modal);
+    EXPECT_EQ(events[0].message,
+              "Cannot acquire file lock (perhaps the file is in use?) at " + sheetPath());
+    EXPECT_EQ(events[1].kind, Kind::ErrorWindow);
+    EXPECT_EQ(events[1].window, tkTSErrorWindow::Locked);
+    EXPECT_TRUE(frontEnd.quitRequested());
+
+    const char go = 'g';
+    ASSERT_EQ(::write(proceed[1], &go, 1), 1);
+    int status = 0;
+    ASSERT_EQ(::waitpid(first, &status, 0), first);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_EQ(home.readText(sheetPath()),
+              row("first copy's row") + "1/3/3\t00:30:00\tEMP\tJOB\tFEE\tafter\n");
+}
+
+TEST_F(tkLaunchTest, LockedSheetStillBringsUpTheTimersAfterTheWindowEnds) {
+    home.writeText(sheetPath(), "");
+    home.writeText(timersPath(), timersText({"Running on"}));
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    const pid_t holder = ::fork();
+    if (holder == 0) {
+        tkFileManagerPosix manager;
+        const char ok = manager.openLocked(sheetPath(), 0) >= 0 ? '1' : '0';
+        (void)!::write(ready[1], &ok, 1);
+        ::pause();
+        ::_exit(0);
+    }
+    char ok = 0;
+    ASSERT_EQ(::read(ready[0], &ok, 1), 1);
+    ASSERT_EQ(ok, '1');
+
+    // The user picks another file from the locked window.
+    frontEnd.scriptAnswer({tkTSErrorAnswer::Action::CreateNew, home.path("other sheet.txt")});
+    testing::internal::CaptureStderr();
+    launch();
+    testing::internal::GetCapturedStderr();
+    ::kill(holder, SIGKILL);
+    ::waitpid(holder, nullptr, 0);
+
+    EXPECT_FALSE(frontEnd.quitRequested());
+    EXPECT_EQ(tkTimerArray::instance().timerAt(0)->getTitle(), "Running on");
+    EXPECT_EQ(tkPreferences::instance().timeSheetFile(), home.path("other sheet.txt"));
+    EXPECT_TRUE(home.exists("other sheet.txt"));
+    EXPECT_EQ(frontEnd.eventsOf(Kind::LoadTimeSheet).size(), 1u);
+}
+
+// ---- the error windows' answers ----
+
+TEST_F(tkLaunchTest, BadChoiceInTheErrorWindowBringsTheUserBack) {
+    home.writeText(sheetPath(), "bad line\n");
+    home.writeText("also bad.txt", "still\tbad\n");
+    home.writeText("good.txt", row("from good"));
+    frontEnd.scriptAnswer({tkTSErrorAnswer::Action::ChooseAnother, home.path("also bad.txt")});
+    frontEnd.scriptAnswer({tkTSErrorAnswer::Action::ChooseAnother, home.path("good.txt")});
+    testing::internal::CaptureStderr();
+    launch();
+    testing::internal::GetCapturedStderr();
+
+    const auto windows = frontEnd.eventsOf(Kind::ErrorWindow);
+    ASSERT_EQ(windows.size(), 2u);
+    EXPECT_EQ(windows[0].window, tkTSErrorWindow::Read);
+    EXPECT_EQ(windows[1].window, tkTSErrorWindow::Read) << "code 3 is the read window again";
+    EXPECT_EQ(windows[1].fileName, "also bad.txt") << "the panel starts at the last choice";
+    ASSERT_EQ(tkTimeSheet::instance().rowCount(), 1u);
+    EXPECT_EQ(tkTimeSheet::instance().rows()[0]->description()->toString(), "from good");
+    EXPECT_EQ(tkPreferences::instance().timeSheetFile(), home.path("good.txt"));
+    EXPECT_GE(timeSheetLock(), 0);
+}
+
+TEST_F(tkLaunchTest, QuitFromTheErrorWindowEndsTheLaunchWithoutTouchingTheSheet) {
+    home.writeText(sheetPath(), "bad line\n");
+    testing::internal::CaptureStderr();
+    launch();
+    testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(frontEnd.quitRequested());
+    EXPECT_TRUE(sequence->terminated());
+    EXPECT_TRUE(frontEnd.eventsOf(Kind::LoadTimeSheet).empty());
+    EXPECT_EQ(home.readText(sheetPath()), "bad line\n");
+}
+
+TEST_F(tkLaunchTest, RespondToCodesOpensTheMatchingWindow) {
+    launch();
+    struct Case {
+        int32_t code;
+        int windows;
+        tkTSErrorWindow window;
+    };
+    const Case cases[] = {
+        {0, 0, tkTSErrorWindow::Read},   {1, 1, tkTSErrorWindow::Read},
+        {2, 1, tkTSErrorWindow::Write},  {3, 1, tkTSErrorWindow::Read},
+        {4, 1, tkTSErrorWindow::Locked}, {5, 0, tkTSErrorWindow::Read},
+    };
+    for (const Case& c : cases) {
+        tkHeadlessAppFrontEnd probe;
+        tkLaunchSequence probing(probe, nullptr);
+        probing.respondToTSFileErrorCode(c.code);
+        const auto windows = probe.eventsOf(Kind::ErrorWindow);
+        ASSERT_EQ(static_cast<int>(windows.size()), c.windows) << "code " << c.code;
+        if (c.windows > 0) {
+            EXPECT_EQ(windows[0].window, c.window) << "code " << c.code;
+        }
+    }
+}
+
+// ---- windows at launch ----
+
+TEST_F(tkLaunchTest, ClosingBothWindowsStillBringsBothBack) {
+    home.writeText(timersPath(), timersText({"A"}, false));
+    home.writeText(preferencesPath(),
+                   "<tkPreferences><timesheetOpen>false</timesheetOpen></tkPreferences>");
+    launch();
+    EXPECT_TRUE(tkTimerArray::instance().isTimerOpen());
+    EXPECT_TRUE(tkPreferences::instance().isTimeSheetOpen());
+    // Both changes are on disk for the next launch.
+    EXPECT_NE(home.readText(timersPath())->find("<timerOpen>true</timerOpen>"), std::string::npos);
+    EXPECT_NE(home.readText(preferencesPath())->find("<timesheetOpen>true</timesheetOpen>"),
+              std::string::npos);
+}
+
+TEST_F(tkLaunchTest, ClosedTimerWindowAloneStaysClosed) {
+    home.writeText(timersPath(), timersText({"A"}, false));
+    launch();
+    EXPECT_FALSE(tkTimerArray::instance().isTimerOpen());
+    EXPECT_TRUE(tkPreferences::instance().isTimeSheetOpen());
+}
+
+// ---- shutdown ----
+
+TEST_F(tkLaunchTest, QuittingRewritesAnUnchangedSheetAndDetachesTheOtherHandlers) {
+    home.writeText(sheetPath(), row("one"));
+    launch();
+    // Someone else's edit, made while we ran, shows that quitting writes.
+    ::unlink(sheetPath().c_str());
+    EXPECT_TRUE(sequence->applicationShouldTerminate());
+    sequence->applicationWillTerminate();
+    EXPECT_EQ(home.readText(sheetPath()), row("one"));
+
+    const std::string timersBefore = *home.readText(timersPath());
+    tkTimerArray::instance().timerAt(0)->setTitle("after quit");
+    EXPECT_EQ(home.readText(timersPath()), timersBefore) << "timers handler detached";
+    // The sheet's codes joined the known lists at launch, so the preferences
+    // file may exist already; after quitting it must not change again.
+    const auto preferencesBefore = home.readText(preferencesPath());
+    tkPreferences::instance().setSingleWindowMode(false);
+    EXPECT_EQ(home.readText(preferencesPath()), preferencesBefore) << "preferences handler detached";
+}
+
+}  // namespace
