@@ -109,6 +109,8 @@ int renameNoReplaceFallback(const std::string& source, const std::string& destin
     return ::rename(source.c_str(), destination.c_str()) == 0 ? 0 : errno;
 }
 
+// With `exclusive` a file that this call made and couldn't fill is removed
+// again; a name that was taken when we came is never touched.
 bool writeNewFile(const std::string& path, const std::string& contents, bool exclusive) {
     const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | (exclusive ? O_EXCL : O_TRUNC);
     const int fd = ::open(path.c_str(), flags, 0666);
@@ -117,6 +119,9 @@ bool writeNewFile(const std::string& path, const std::string& contents, bool exc
     }
     bool ok = tkPosixIO::writeAll(fd, contents);
     ok = ::close(fd) == 0 && ok;
+    if (!ok && exclusive) {
+        ::unlink(path.c_str());
+    }
     return ok;
 }
 
@@ -204,8 +209,9 @@ bool tkFileManagerPosix::safeSave(const tkFile& file, const std::string& content
     const std::string temporary = temporaryPathFor(live);
     if (!writeNewFile(temporary, contents, true)) {
         // No copy of the new data exists worth keeping; the live file is
-        // untouched.
-        ::unlink(temporary.c_str());
+        // untouched. The temporary name is not removed here: when the open
+        // failed because someone else took the name in the meantime, the
+        // file there is theirs.
         return false;
     }
     // The swap hands the live name the temporary's inode, so give it the live

@@ -136,9 +136,17 @@ void tkFilePosix::write(const std::string& contents) {
         writeInPlace(target, contents);
         return;
     }
-    if (::fchown(fd, old.st_uid, old.st_gid) != 0) {
-        // Only the owner or root can hand a file away; keeping our own
-        // ownership is the normal case and no failure.
+    // Only root can hand a file to someone else. When the new file can't
+    // carry the old owner and group, renaming it in would take the file away
+    // from whoever shares it with us (a time sheet in a common folder), so
+    // such a file is rewritten where it stands instead.
+    (void)::fchown(fd, old.st_uid, old.st_gid);
+    struct stat made;
+    if (::fstat(fd, &made) != 0 || made.st_uid != old.st_uid || made.st_gid != old.st_gid) {
+        ::close(fd);
+        ::unlink(temporary.c_str());
+        writeInPlace(target, contents);
+        return;
     }
     bool written = tkPosixIO::writeAll(fd, contents);
     if (!written) {

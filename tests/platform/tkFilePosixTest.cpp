@@ -123,4 +123,27 @@ TEST(tkFilePosixWrite, FolderAndFilePermissionsDecideHowOrWhetherToWrite) {
     });
 }
 
+TEST(tkFilePosixWrite, FileOfAnotherOwnerKeepsItsOwner) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "needs root to stand in for a second user";
+    }
+    tkTempHome home;
+    home.writeText("shared/sheet.txt", "old");
+    ::chmod(home.path("shared").c_str(), 0777);
+    ::chmod(home.path("shared/sheet.txt").c_str(), 0666);
+    struct stat before;
+    ASSERT_EQ(::stat(home.path("shared/sheet.txt").c_str(), &before), 0);
+    runUnprivileged(home.root(), [&] {
+        // Not the owner: a rename would make the writer the new owner.
+        ASSERT_NE(::geteuid(), before.st_uid);
+        tkFilePosix(home.path("shared/sheet.txt")).write("new");
+    });
+    struct stat after;
+    ASSERT_EQ(::stat(home.path("shared/sheet.txt").c_str(), &after), 0);
+    EXPECT_EQ(home.readText("shared/sheet.txt"), "new");
+    EXPECT_EQ(after.st_uid, before.st_uid);
+    EXPECT_EQ(after.st_gid, before.st_gid);
+    EXPECT_EQ(after.st_mode & 07777, 0666u);
+}
+
 }  // namespace
