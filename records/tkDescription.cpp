@@ -1,9 +1,11 @@
 #include "records/tkDescription.h"
 
+#include <utility>
+
 #include "records/tkRecordFields.h"
 
-tkDescription::tkDescription(const std::string& text)
-    : tkRecordItem(kFieldDescription, kMaxLength, text) {}
+tkDescription::tkDescription(std::string text)
+    : tkRecordItem(kFieldDescription, kMaxLength, std::move(text)) {}
 
 std::shared_ptr<tkStringConvertible> tkDescription::create(const std::string& text) const {
     return std::make_shared<tkDescription>(text);

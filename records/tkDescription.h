@@ -10,7 +10,7 @@ class tkDescription : public tkRecordItem {
   public:
     static constexpr int32_t kMaxLength = 360;
 
-    explicit tkDescription(const std::string& text = std::string());
+    explicit tkDescription(std::string text = std::string());
 
     std::shared_ptr<tkStringConvertible> create(const std::string& text) const override;
     std::shared_ptr<tkStringConvertible> clone() const override;

@@ -37,14 +37,31 @@ int64_t editPosition(const tkKnownRecordItems::Map& map, int32_t index) {
     return position;
 }
 
+// Texts are remembered per list up to this many; past it the memory starts afresh. A time
+// sheet uses a few thousand codes at most.
+constexpr size_t kMaxHits = 1 << 14;
+
 // Each leaf's own class and map behind the three typed lookups.
 template <class Leaf>
-std::shared_ptr<Leaf> getOrAddIn(tkKnownRecordItems::Map& map, bool addAllowed,
-                                 const std::string& text, bool& added) {
+std::shared_ptr<Leaf> getOrAddIn(tkKnownRecordItems::Map& map, tkKnownRecordItems::HitIndex& hits,
+                                 bool addAllowed, const std::string& text, bool& added) {
     added = false;
+    if (auto hit = hits.find(text); hit != hits.end()) {
+        // The item is the entry's own object, so this shares the entry's ownership.
+        return std::shared_ptr<Leaf>(hit->second.entry->second,
+                                     static_cast<Leaf*>(hit->second.item));
+    }
     const std::string key = toUpperCase(text);
     if (auto found = map.find(key); found != map.end()) {
-        return std::dynamic_pointer_cast<Leaf>(found->second);
+        std::shared_ptr<Leaf> leaf = std::dynamic_pointer_cast<Leaf>(found->second);
+        // A stray entry of another class (setItem stores anything) is looked up every time.
+        if (leaf) {
+            if (hits.size() >= kMaxHits) {
+                hits.clear();
+            }
+            hits.emplace(text, tkKnownRecordItems::Hit{found, leaf.get()});
+        }
+        return leaf;
     }
     if (!addAllowed) {
         return nullptr;
@@ -77,6 +94,12 @@ tkKnownRecordItems::tkKnownRecordItems() {
 
 tkKnownRecordItems::~tkKnownRecordItems() = default;
 
+void tkKnownRecordItems::forgetHits() {
+    employeeHits_.clear();
+    jobNumberHits_.clear();
+    feeCodeHits_.clear();
+}
+
 void tkKnownRecordItems::markDirty() {
     if (gInstanceReady) {
         markPreferencesDirty();
@@ -107,7 +130,7 @@ const tkKnownRecordItems::Map& tkKnownRecordItems::mapFor(const std::string& typ
 
 std::shared_ptr<tkEmployee> tkKnownRecordItems::getOrAddEmployee(const std::string& text) {
     bool added = false;
-    auto item = getOrAddIn<tkEmployee>(employees_, addAllowed_, text, added);
+    auto item = getOrAddIn<tkEmployee>(employees_, employeeHits_, addAllowed_, text, added);
     if (added) {
         markDirty();
     }
@@ -116,7 +139,7 @@ std::shared_ptr<tkEmployee> tkKnownRecordItems::getOrAddEmployee(const std::stri
 
 std::shared_ptr<tkJobNumber> tkKnownRecordItems::getOrAddJobNumber(const std::string& text) {
     bool added = false;
-    auto item = getOrAddIn<tkJobNumber>(jobNumbers_, addAllowed_, text, added);
+    auto item = getOrAddIn<tkJobNumber>(jobNumbers_, jobNumberHits_, addAllowed_, text, added);
     if (added) {
         markDirty();
     }
@@ -125,7 +148,7 @@ std::shared_ptr<tkJobNumber> tkKnownRecordItems::getOrAddJobNumber(const std::st
 
 std::shared_ptr<tkFeeCode> tkKnownRecordItems::getOrAddFeeCode(const std::string& text) {
     bool added = false;
-    auto item = getOrAddIn<tkFeeCode>(feeCodes_, addAllowed_, text, added);
+    auto item = getOrAddIn<tkFeeCode>(feeCodes_, feeCodeHits_, addAllowed_, text, added);
     if (added) {
         markDirty();
     }
@@ -189,6 +212,7 @@ const std::string* tkKnownRecordItems::complete(const std::string& typeName,
 
 void tkKnownRecordItems::setItem(const std::string& typeName, const std::string& code,
                                  std::shared_ptr<tkRecordItem> item) {
+    forgetHits();
     mapFor(typeName)[toUpperCase(code)] = std::move(item);
 }
 
@@ -221,6 +245,7 @@ std::shared_ptr<tkRecordItem> tkKnownRecordItems::takeAt(const std::string& type
     if (position < 0) {
         return nullptr;
     }
+    forgetHits();
     auto it = entryAt(map, position);
     std::shared_ptr<tkRecordItem> item = std::move(it->second);
     map.erase(it);
@@ -234,6 +259,7 @@ void tkKnownRecordItems::renameAt(const std::string& typeName, int32_t index,
     if (!item) {
         return;
     }
+    // takeAt forgot the finds already; the renamed object may be found under its new text.
     // Renamed in place: every record sharing the object shows the new code at once.
     item->setFromString(toUpperCase(newText));
     // If the new code is listed already, the list keeps its object and the renamed one lives
@@ -254,12 +280,14 @@ bool tkKnownRecordItems::removeAt(const std::string& typeName, int32_t index) {
     if (it->second.use_count() > 1) {
         return false;
     }
+    forgetHits();
     map.erase(it);
     markDirty();
     return true;
 }
 
 void tkKnownRecordItems::clear(bool force) {
+    forgetHits();
     for (Map* map : {&feeCodes_, &employees_, &jobNumbers_}) {
         for (auto it = map->begin(); it != map->end();) {
             const bool heldByListAlone = it->second && it->second.use_count() == 1;
@@ -277,6 +305,7 @@ void tkKnownRecordItems::clear(bool force) {
 }
 
 void tkKnownRecordItems::setAddAllowed(bool allowed) {
+    // Finds stay true either way: the flag only decides about codes not yet listed.
     addAllowed_ = allowed;
 }
 

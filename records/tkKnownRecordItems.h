@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "foundation/ItkXMLCreatable.h"
@@ -90,8 +91,20 @@ class tkKnownRecordItems : public ItkXMLCreatable {
     tkKnownRecordItems(const tkKnownRecordItems&) = delete;
     tkKnownRecordItems& operator=(const tkKnownRecordItems&) = delete;
 
+    // The code lookups that found a listed code, by the text asked for. Reading a time sheet
+    // asks for the same few codes once a row, and an upper-cased copy and a tree search each
+    // time is the larger part of reading a row. Only finds are remembered, never additions,
+    // so a hit gives what the search would, without marking anything dirty, as the search
+    // does; every change to a list other than an addition forgets them all.
+    struct Hit {
+        Map::iterator entry;
+        tkRecordItem* item;
+    };
+    using HitIndex = std::unordered_map<std::string, Hit>;
+
   private:
     tkKnownRecordItems();
+    void forgetHits();
 
     Map& mapFor(const std::string& typeName);
     const Map& mapFor(const std::string& typeName) const;
@@ -102,4 +115,7 @@ class tkKnownRecordItems : public ItkXMLCreatable {
     Map employees_;
     Map jobNumbers_;
     Map feeCodes_;
+    HitIndex employeeHits_;
+    HitIndex jobNumberHits_;
+    HitIndex feeCodeHits_;
 };

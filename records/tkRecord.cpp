@@ -62,10 +62,10 @@ tkRecord::tkRecord(std::shared_ptr<tkDate> date, std::shared_ptr<tkDuration> dur
 
 tkRecord::tkRecord(const std::string& date, const std::string& duration,
                    const std::string& employee, const std::string& jobNumber,
-                   const std::string& feeCode, const std::string& description)
+                   const std::string& feeCode, std::string description)
     : date_(std::make_shared<tkDate>(date)),
       duration_(std::make_shared<tkDuration>(duration)),
-      description_(std::make_shared<tkDescription>(description)) {
+      description_(std::make_shared<tkDescription>(std::move(description))) {
     tkKnownRecordItems& known = tkKnownRecordItems::instance();
     employee_ = internedOrPrivate(known.getOrAddEmployee(employee), employee);
     jobNumber_ = internedOrPrivate(known.getOrAddJobNumber(jobNumber), jobNumber);

@@ -37,8 +37,7 @@ class tkRecord : public ItkXMLCreatable {
     // Builds each field from text; the billing codes go through the known lists, which adds
     // unknown codes to them. A date without '/' throws StringFormatException.
     tkRecord(const std::string& date, const std::string& duration, const std::string& employee,
-             const std::string& jobNumber, const std::string& feeCode,
-             const std::string& description);
+             const std::string& jobNumber, const std::string& feeCode, std::string description);
     // As copyFrom().
     tkRecord(const tkRecord& other);
     tkRecord& operator=(const tkRecord& other);

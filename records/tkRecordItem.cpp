@@ -4,10 +4,10 @@
 
 #include "foundation/tkStrings.h"
 
-tkRecordItem::tkRecordItem(std::string name, int32_t maxLength, const std::string& initialText)
-    : name_(std::move(name)), maxLength_(maxLength) {
-    // Qualified on purpose: construction always uses this class's own rule.
-    text_ = tkRecordItem::sanitize(initialText);
+tkRecordItem::tkRecordItem(std::string name, int32_t maxLength, std::string initialText)
+    : name_(std::move(name)), maxLength_(maxLength), text_(std::move(initialText)) {
+    // Construction always uses this class's own rule, never an override of sanitize().
+    sanitizeInPlace(text_, maxLength_);
 }
 
 void tkRecordItem::setFromString(const std::string& text) {
@@ -25,22 +25,23 @@ bool tkRecordItem::isAcceptable(const std::string& text) const {
 }
 
 std::string tkRecordItem::sanitize(const std::string& text) const {
+    std::string result = text;
+    sanitizeInPlace(result, maxLength_);
+    return result;
+}
+
+void tkRecordItem::sanitizeInPlace(std::string& text, int32_t maxLength) {
     // Tabs and line ends are the separators of the tab-delimited line form; no item may
     // carry one. A CR LF pair becomes two blanks.
-    std::string result;
-    if (text.find_first_of("\t\n\r") == std::string::npos) {
-        // Nearly every text is clean: skip the three passes.
-        result = text;
-    } else {
-        result = replaceAll(text, "\t", " ");
-        result = replaceAll(result, "\n", " ");
-        result = replaceAll(result, "\r", " ");
+    for (char& c : text) {
+        if (c == '\t' || c == '\n' || c == '\r') {
+            c = ' ';
+        }
     }
     // The limit counts bytes, so a multi-byte character may be cut in the middle.
-    if (maxLength_ >= 0 && result.size() > static_cast<size_t>(maxLength_)) {
-        result.resize(static_cast<size_t>(maxLength_));
+    if (maxLength >= 0 && text.size() > static_cast<size_t>(maxLength)) {
+        text.resize(static_cast<size_t>(maxLength));
     }
-    return result;
 }
 
 const std::string& tkRecordItem::fieldName() const {

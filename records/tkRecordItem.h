@@ -9,8 +9,9 @@
 // means "no value".
 class tkRecordItem : public tkStringConvertible {
   public:
-    // Stores name and maxLength, then the sanitised initial text.
-    tkRecordItem(std::string name, int32_t maxLength, const std::string& initialText);
+    // Stores name and maxLength, then the sanitised initial text (taken over, not copied, when
+    // it needs no change).
+    tkRecordItem(std::string name, int32_t maxLength, std::string initialText);
 
     // text := sanitize(text)
     void setFromString(const std::string& text) override;
@@ -34,6 +35,9 @@ class tkRecordItem : public tkStringConvertible {
     const std::string& text() const { return text_; }
 
   private:
+    // sanitize() done on the text itself.
+    static void sanitizeInPlace(std::string& text, int32_t maxLength);
+
     std::string name_;
     int32_t maxLength_;
     std::string text_;

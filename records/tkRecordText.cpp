@@ -1,6 +1,8 @@
 #include "records/tkRecordText.h"
 
 #include <array>
+#include <string_view>
+#include <utility>
 
 #include "foundation/StringFormatException.h"
 #include "foundation/tkTagNode.h"
@@ -22,37 +24,61 @@ std::string toTabLine(const tkRecord& record) {
     return toTabLine(record, false);
 }
 
-std::unique_ptr<tkRecord> fromTabLine(const std::string& line, bool useDisplayDate) {
+namespace {
+
+// The six field texts of a line of exactly five tabs, as views into the line.
+std::array<std::string_view, 6> splitTabLine(std::string_view line) {
     // The count of tabs is checked in full before anything is read, so a bad line changes
     // nothing, not even the known code lists.
     std::array<size_t, 5> tabs{};
     size_t from = 0;
     for (size_t i = 0; i < tabs.size(); ++i) {
         tabs[i] = line.find('\t', from);
-        if (tabs[i] == std::string::npos) {
-            throw StringFormatException("Not enough tabs in line: " + line);
+        if (tabs[i] == std::string_view::npos) {
+            throw StringFormatException("Not enough tabs in line: " + std::string(line));
         }
         from = tabs[i] + 1;
     }
-    if (line.find('\t', from) != std::string::npos) {
-        throw StringFormatException("Too many tabs in line: " + line);
+    if (line.find('\t', from) != std::string_view::npos) {
+        throw StringFormatException("Too many tabs in line: " + std::string(line));
     }
-
-    std::array<std::string, 6> texts;
+    std::array<std::string_view, 6> texts;
     size_t begin = 0;
     for (size_t i = 0; i < texts.size(); ++i) {
         const size_t end = i < tabs.size() ? tabs[i] : line.size();
         texts[i] = line.substr(begin, end - begin);
         begin = end + 1;
     }
+    return texts;
+}
+
+// Built in one step from the six texts, each by its own field's rule, rather than as a
+// default record whose fields are then replaced: a record nobody holds yet has no one to
+// tell, and a large time sheet reads much faster. The date is built first, so its error
+// leaves the code lists untouched.
+template <class Pointer, class Make>
+Pointer recordFromTabLine(std::string_view line, bool useDisplayDate, Make make) {
+    const std::array<std::string_view, 6> texts = splitTabLine(line);
+    std::string date(texts[0]);
     if (useDisplayDate) {
-        texts[0] = dateFromDisplay(texts[0]);
+        date = dateFromDisplay(date);
     }
-    // Built in one step from the six texts, each by its own field's rule, rather than as a
-    // default record whose fields are then replaced: a record nobody holds yet has no one to
-    // tell, and a large time sheet reads much faster. The date is built first, so its error
-    // leaves the code lists untouched.
-    return std::make_unique<tkRecord>(texts[0], texts[1], texts[2], texts[3], texts[4], texts[5]);
+    return make(date, std::string(texts[1]), std::string(texts[2]), std::string(texts[3]),
+                std::string(texts[4]), std::string(texts[5]));
+}
+
+}  // namespace
+
+std::unique_ptr<tkRecord> fromTabLine(const std::string& line, bool useDisplayDate) {
+    return recordFromTabLine<std::unique_ptr<tkRecord>>(line, useDisplayDate, [](auto&&... texts) {
+        return std::make_unique<tkRecord>(std::forward<decltype(texts)>(texts)...);
+    });
+}
+
+std::shared_ptr<tkRecord> sharedFromTabLine(std::string_view line, bool useDisplayDate) {
+    return recordFromTabLine<std::shared_ptr<tkRecord>>(line, useDisplayDate, [](auto&&... texts) {
+        return std::make_shared<tkRecord>(std::forward<decltype(texts)>(texts)...);
+    });
 }
 
 std::unique_ptr<tkRecord> fromTabLine(const std::string& line) {

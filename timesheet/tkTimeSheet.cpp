@@ -79,6 +79,11 @@ class SortKeys {
             for (size_t i = 0; i < count_; ++i) {
                 order[i] = static_cast<uint32_t>(i);
             }
+            // A file is saved in date order, and so it is read back: a stable sort of sorted
+            // keys moves nothing, and checking for that is one pass instead of a merge sort.
+            if (std::is_sorted(dates_.begin(), dates_.end())) {
+                return order;
+            }
             std::stable_sort(order.begin(), order.end(),
                              [this](uint32_t a, uint32_t b) { return less(a, b); });
             return order;
@@ -105,13 +110,20 @@ class SortKeys {
         starts.reserve(count_ + 1);
         for (const auto& record : records) {
             starts.push_back(texts.size());
-            texts += toUpperCase(record->getField(key)->toString());
+            texts += record->getField(key)->toString();
         }
         starts.push_back(texts.size());
+        // Upper-cased in one sweep, as toUpperCase() does text by text.
+        for (char& c : texts) {
+            if (c >= 'a' && c <= 'z') {
+                c = static_cast<char>(c - 'a' + 'A');
+            }
+        }
         std::vector<std::string_view> distinct;
         std::vector<uint32_t> distinctOf(count_);
+        // Not reserved for every row: codes have a few distinct texts, and a table sized for
+        // the rows would cost more to set up than the sort itself.
         std::unordered_map<std::string_view, uint32_t> seen;
-        seen.reserve(count_);
         for (size_t i = 0; i < count_; ++i) {
             const std::string_view text =
                 std::string_view(texts).substr(starts[i], starts[i + 1] - starts[i]);
@@ -188,6 +200,15 @@ void appendTabLine(std::string& out, const tkRecord& record) {
     out += '\t';
     out += record.description()->toString();
     out += '\n';
+}
+
+// The group that holds row r: the first g whose next start lies above r. Searched in order,
+// not by halving: after an undone sort the vector is stale (restoreRows doesn't rebuild it),
+// and the updates can then leave it out of order, where a binary search finds another group.
+size_t groupHolding(const std::vector<uint32_t>& groupStarts, uint32_t r) {
+    const auto next = std::find_if(groupStarts.begin() + 1, groupStarts.end(),
+                                   [r](uint32_t start) { return start > r; });
+    return static_cast<size_t>(next - groupStarts.begin()) - 1;
 }
 
 }  // namespace
@@ -375,9 +396,7 @@ void tkTimeSheet::updateGroupsAfterInsert(uint32_t r) {
         return;
     }
     // g: the group that held the old row r, now the new row's successor.
-    const size_t g =
-        static_cast<size_t>(std::upper_bound(groupStarts_.begin() + 1, groupStarts_.end(), r) -
-                            groupStarts_.begin() - 1);
+    const size_t g = groupHolding(groupStarts_, r);
     for (size_t i = g + 1; i < groupStarts_.size(); ++i) {
         groupStarts_[i] += 1;
     }
@@ -394,9 +413,7 @@ void tkTimeSheet::updateGroupsAfterInsert(uint32_t r) {
 }
 
 void tkTimeSheet::updateGroupsAfterRemove(uint32_t r) {
-    const size_t g =
-        static_cast<size_t>(std::upper_bound(groupStarts_.begin() + 1, groupStarts_.end(), r) -
-                            groupStarts_.begin() - 1);
+    const size_t g = groupHolding(groupStarts_, r);
     for (size_t i = g + 1; i < groupStarts_.size(); ++i) {
         groupStarts_[i] -= 1;
     }
@@ -523,7 +540,7 @@ std::vector<uint32_t> tkTimeSheet::addTabbedText(const std::string& text) {
 void tkTimeSheet::readTabbedText(const std::string& text) {
     // The load is deliberately no undo step, so it keeps no commands: the same changes and
     // posts as addRecordsFromText, without the memory of a step nobody can take back.
-    insertWithoutUndo(parseLines(text, false));
+    insertWithoutUndo(parseLines(text, false), true);
 }
 
 std::unique_ptr<tkCompoundInsert> tkTimeSheet::addRecordsFromText(const std::string& text,
@@ -547,7 +564,7 @@ tkRecordRows tkTimeSheet::parseLines(const std::string& text, bool displayDates)
         if (line.empty()) {
             continue;
         }
-        records.push_back(fromTabLine(std::string(line), displayDates));
+        records.push_back(sharedFromTabLine(line, displayDates));
     }
     sortRecords(records);
     return records;
@@ -581,7 +598,7 @@ std::unique_ptr<tkCompoundInsert> tkTimeSheet::addRecords(const tkRecordRows& re
     return compound;
 }
 
-void tkTimeSheet::insertWithoutUndo(const tkRecordRows& records) {
+void tkTimeSheet::insertWithoutUndo(const tkRecordRows& records, bool inSheetOrder) {
     // Step for step what addRecords does through its commands, post for post.
     reserveRows(records.size());
     tkNotificationCenter& center = tkNotificationCenter::instance();
@@ -589,8 +606,23 @@ void tkTimeSheet::insertWithoutUndo(const tkRecordRows& records) {
     setSelection(makeRowSelection({}));
     std::vector<uint32_t> rows;
     rows.reserve(records.size());
+    // Into an empty sheet a list in the sheet's order goes row after row to the end: no record
+    // sorts before one ahead of it, so the search would answer the end every time, at a cache
+    // miss per step on a big load. That holds only while the rows are exactly the ones this
+    // load put there under the same key, so any other change made meanwhile (by an observer
+    // of a post) falls back to the search.
+    const bool startedEmpty = inSheetOrder && rows_.empty();
+    const std::string key = sortBy_;
+    const tkRecord* previous = nullptr;
     for (const auto& record : records) {
-        const uint32_t row = insertRecord(record);
+        if (!record) {
+            throw std::invalid_argument("insertRecord: null record");
+        }
+        const bool appendsInOrder = startedEmpty && rows_.size() == rows.size() && sortBy_ == key &&
+                                    (rows_.empty() || rows_.back().get() == previous);
+        const uint32_t row =
+            appendsInOrder ? insertRecordAt(record, rowCount()) : insertRecord(record);
+        previous = record.get();
         rows.push_back(row);
         setSelection(makeRowSelection({row}));
     }
@@ -616,7 +648,7 @@ void tkTimeSheet::addRecordsFromTags(const tkTagNode& node) {
         }
     }
     // Nothing goes on the stack, so nothing needs keeping; the list stays unsorted.
-    insertWithoutUndo(records);
+    insertWithoutUndo(records, false);
 }
 
 // ---- Raw operations ----
@@ -626,6 +658,10 @@ uint32_t tkTimeSheet::insertRecord(std::shared_ptr<tkRecord> record) {
         throw std::invalid_argument("insertRecord: null record");
     }
     const uint32_t row = insertionRow(*record);
+    return insertRecordAt(std::move(record), row);
+}
+
+uint32_t tkTimeSheet::insertRecordAt(std::shared_ptr<tkRecord> record, uint32_t row) {
     rows_.insert(rows_.begin() + row, record);
     updateGroupsAfterInsert(row);
     ObservedRecord& observed = observedRecords_[record.get()];

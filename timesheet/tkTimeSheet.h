@@ -106,8 +106,8 @@ class tkTimeSheet : public tkObserver {
     void deleteRow(uint32_t row);
     void deleteRowInGroup(uint32_t g, uint32_t k);
     // "Delete Entry" / "Delete Entries": clears the selection, removes the rows of the
-    // ascending set, then selects the row above the first removed one (row 0 at most), or
-    // nothing once the sheet is empty. An empty set changes no row and leaves the selection
+    // ascending set, then selects the row above the first removed one (row 0 if that was row
+    // 0), or nothing once the sheet is empty. An empty set changes no row and leaves the selection
     // empty, but still makes its (harmless) undo step.
     void deleteRows(const std::set<uint32_t>& rowSet);
     // The selection as a set, so a row selected twice is deleted once.
@@ -200,7 +200,10 @@ class tkTimeSheet : public tkObserver {
     void postSheetNote(const tkNotification& note);
     tkRecordRows parseLines(const std::string& text, bool displayDates) const;
     void sortRecords(tkRecordRows& records) const;
-    void insertWithoutUndo(const tkRecordRows& records);
+    // inSheetOrder: the records are in the sheet's order, as sortRecords leaves them.
+    void insertWithoutUndo(const tkRecordRows& records, bool inSheetOrder);
+    // insertRecord at a row already found.
+    uint32_t insertRecordAt(std::shared_ptr<tkRecord> record, uint32_t row);
     void reserveRows(size_t more);
     void rebuildGroups();
     void updateGroupsAfterInsert(uint32_t row);

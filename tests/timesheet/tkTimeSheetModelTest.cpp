@@ -165,3 +165,30 @@ TEST(TimeSheetGroups, IncrementalUpdatesFollowInsertsAndRemovals) {
     EXPECT_EQ(sheet.groupStarts(), (std::vector<uint32_t>{0, 4}));
     EXPECT_EQ(sheet.groupCount(), 1u);
 }
+
+// An undone sort puts an old row vector back without a rebuild, so the groups go stale; the
+// updates then work on the vector as it stands, and the group of row r is the first one whose
+// next start lies above r, even once the values are out of order.
+TEST(TimeSheetGroups, UpdatesOnAStaleVectorTakeTheFirstGroupAboveTheRow) {
+    tkTimeSheet sheet;
+    sheet.applySortBy("description");
+    fill(sheet, {"a", "c", "c"});
+    sheet.restoreRows({sheet.recordAtRow(1), sheet.recordAtRow(0), sheet.recordAtRow(2)});
+    ASSERT_EQ(sheet.groupStarts(), (std::vector<uint32_t>{0, 1, 3}));
+    struct Step {
+        uint32_t row;
+        std::string description;
+        std::vector<uint32_t> groups;
+    };
+    const std::vector<Step> steps = {
+        {1, "a", {0, 1, 4}},
+        {3, "b", {0, 3, 1, 5}},
+        {5, "c", {0, 3, 1, 6}},
+        {2, "c", {0, 4, 2, 7}},
+    };
+    for (const Step& step : steps) {
+        sheet.insertRecordAtRow(entry("1/1/20", step.description), step.row);
+        EXPECT_EQ(sheet.groupStarts(), step.groups)
+            << "after " << step.description << " at " << step.row;
+    }
+}

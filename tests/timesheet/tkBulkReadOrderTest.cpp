@@ -1,0 +1,93 @@
+// A load puts a whole file into the sheet at once; its rows must come out exactly where
+// inserting the records one by one, each at its sorted place, would put them.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "foundation/tkTagParser.h"
+#include "tests/timesheet/tkTimeSheetTestSupport.h"
+
+namespace {
+
+// Lines "date|duration|employee|job|fee|description", read as a file text.
+std::string fileText(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const auto& line : lines) {
+        text += replaceAll(line, "|", "\t") + "\n";
+    }
+    return text;
+}
+
+const std::vector<std::string> kMixedLines = {
+    "3/1/20|1:00|bo|7|dev|c1", "1/1/20|2:00|al|10|Mtg|a1", "3/1/20|0:30|AL|9|dev|c2",
+    "2/1/20|1:30|cy|7|mtg|b1", "1/1/20|0:15|bo|10|DEV|a2", "2/1/20|3:00|al|8|adm|b2",
+    "1/1/20|1:00|cy|9|mtg|a3", "3/1/20|2:30|bo|8|Adm|c3",
+};
+
+// The same lines inserted one at a time under the key, as the raw insertion places them.
+std::string oneByOne(const std::string& key, const std::vector<std::string>& lines) {
+    tkTimeSheet sheet;
+    sheet.applySortBy(key);
+    for (const auto& line : lines) {
+        sheet.insertRecord(entry(line));
+    }
+    return joined(sheet);
+}
+
+}  // namespace
+
+TEST(BulkRead, IntoAnEmptySheetMatchesOneByOneInsertionForEveryKey) {
+    for (const char* key :
+         {"date", "duration", "employee", "job number", "fee code", "description", "off"}) {
+        tkTimeSheet sheet;
+        sheet.applySortBy(key);
+        sheet.readTabbedText(fileText(kMixedLines));
+        EXPECT_EQ(joined(sheet), oneByOne(key, kMixedLines)) << "key: " << key;
+        EXPECT_EQ(sheet.rowCount(), kMixedLines.size()) << "key: " << key;
+    }
+}
+
+TEST(BulkRead, IntoAFilledSheetPlacesEachRowAmongTheOld) {
+    const std::vector<std::string> old = {"2/1/20|1:00||||old-feb", "9/1/20|1:00||||old-sep"};
+    tkTimeSheet sheet;
+    sheet.readTabbedText(fileText(old));
+    sheet.readTabbedText(fileText(kMixedLines));
+    std::vector<std::string> all = old;
+    all.insert(all.end(), kMixedLines.begin(), kMixedLines.end());
+    EXPECT_EQ(joined(sheet), oneByOne("date", all));
+}
+
+TEST(BulkRead, IntoAnUnsortedSheetSearchesAsEachInsertionWould) {
+    // Rows put out of order by hand: the search then lands where its halving leads, and the
+    // load must give the very same rows as the raw insertions.
+    tkTimeSheet sheet;
+    sheet.insertRecordAtRow(entry("9/9/20", "late"), 0);
+    sheet.insertRecordAtRow(entry("1/1/20", "early"), 1);
+    tkTimeSheet reference;
+    reference.insertRecordAtRow(entry("9/9/20", "late"), 0);
+    reference.insertRecordAtRow(entry("1/1/20", "early"), 1);
+    sheet.readTabbedText(fileText({"5/5/20|1:00||||mid", "1/1/19|1:00||||first"}));
+    reference.insertRecord(entry("1/1/19|1:00||||first"));
+    reference.insertRecord(entry("5/5/20|1:00||||mid"));
+    EXPECT_EQ(joined(sheet), joined(reference));
+}
+
+TEST(BulkRead, SelectsTheNewRowsInTheirReadOrderAfterSorting) {
+    tkTimeSheet sheet;
+    sheet.readTabbedText(fileText({"2/1/20|1:00||||b", "1/1/20|1:00||||a", "2/1/20|1:00||||c"}));
+    EXPECT_EQ(joined(sheet), "a|b|c");
+    EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{0, 1, 2}));
+}
+
+TEST(BulkRead, TaggedRecordsKeepTheirOwnOrderEvenSortedByDate) {
+    // The tagged reader adds its list unsorted, one search per record; a later record of an
+    // earlier date goes in front of the ones before it.
+    tkTimeSheet sheet;
+    tkTagParser parser;
+    const auto node = parser.parse(
+        "<sheet><record><date>3/1/20</date><description>march</description></record>"
+        "<record><date>1/1/20</date><description>january</description></record></sheet>");
+    sheet.addRecordsFromTags(*node);
+    EXPECT_EQ(joined(sheet), "january|march");
+}
