@@ -66,9 +66,26 @@ void tkNotificationCenter::postNotification(const tkNotification& note) {
     if (suspendedEvents.count(note.name()) != 0) {
         return;
     }
+    const void* const sender = note.sender();
+    // Most posts reach nobody (a large load posts several per row); those are
+    // answered here without copying the name. Nothing runs before the walks
+    // below when neither table has an entry, so skipping them changes nothing.
+    {
+        const std::string_view probe = note.name();
+        const bool anyForSender = sender != nullptr && [&] {
+            auto it = objectDispatchTable.lower_bound(ObjectKeyView{sender, probe, 0});
+            return it != objectDispatchTable.end() && it->first.sender == sender &&
+                   it->first.name == probe;
+        }();
+        if (!anyForSender) {
+            auto it = anyObjectDispatchTable.lower_bound(AnyKeyView{probe, 0});
+            if (it == anyObjectDispatchTable.end() || it->first.name != probe) {
+                return;
+            }
+        }
+    }
     // Handlers may destroy the notification's owner or post others; the walk
     // works on its own copy of the key.
-    const void* const sender = note.sender();
     const std::string name = note.name();
 
     // Each step looks up the entry after the one just delivered, by key and

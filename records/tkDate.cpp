@@ -6,6 +6,7 @@
 #include "foundation/StringFormatException.h"
 #include "foundation/tkClock.h"
 #include "foundation/tkStrings.h"
+#include "records/tkLeadingNumber.h"
 #include "records/tkRecordFields.h"
 
 namespace {
@@ -102,17 +103,18 @@ void tkDate::setFromString(const std::string& text) {
         throw StringFormatException(kNoSlashMessage);
     }
     // Parts are taken as they stand: no range checks, -1 for what can't be read.
-    const long month = stringToLong(text.substr(0, firstSlash), -1);
+    const std::string_view view = text;
+    const long month = leadingNumber(view.substr(0, firstSlash), -1);
     const size_t secondSlash = text.find('/', firstSlash + 1);
     const size_t dayEnd = secondSlash == std::string::npos ? text.size() : secondSlash;
-    const long day = stringToLong(text.substr(firstSlash + 1, dayEnd - firstSlash - 1), -1);
+    const long day = leadingNumber(view.substr(firstSlash + 1, dayEnd - firstSlash - 1), -1);
 
     long year;
     if (secondSlash == std::string::npos) {
         year = localDayOf(nowInSeconds()).year;
     } else {
         // Anything behind a third '/' is part of this rest; only its leading number counts.
-        const long y = stringToLong(text.substr(secondSlash + 1), -1);
+        const long y = leadingNumber(view.substr(secondSlash + 1), -1);
         // Signed on purpose: an empty or unreadable year (-1) becomes 1999.
         if (y < 50) {
             year = 2000 + y;

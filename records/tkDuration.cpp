@@ -1,9 +1,11 @@
 #include "records/tkDuration.h"
 
+#include <charconv>
 #include <cmath>
 #include <iostream>
 
 #include "foundation/tkStrings.h"
+#include "records/tkLeadingNumber.h"
 #include "records/tkRecordFields.h"
 
 namespace {
@@ -13,20 +15,22 @@ const std::string& durationFieldName() {
     return name;
 }
 
-// One part of the text form: at least two digits. The test is signed, so a negative part
-// gets a "0" in front too ("0-5").
-std::string renderPart(int32_t value) {
-    std::string text = intToString(value);
+// One part of the text form, appended: at least two digits. The test is signed, so a negative
+// part gets a "0" in front too ("0-5"). Appended in place rather than joined from strings, as
+// every duration read renders once.
+void appendPart(std::string& text, int32_t value) {
+    char digits[12];  // "-2147483648" is the longest
+    const char* const end = std::to_chars(digits, digits + sizeof digits, value).ptr;
     if (value <= 9) {
-        text.insert(0, "0");
+        text += '0';
     }
-    return text;
+    text.append(digits, static_cast<size_t>(end - digits));
 }
 
 // Clock parts are read as long and kept in 32 bits; a number too big for that wraps instead
 // of being undefined.
-int32_t clockPart(const std::string& text) {
-    return static_cast<int32_t>(stringToLong(text, 0));
+int32_t clockPart(std::string_view text) {
+    return static_cast<int32_t>(leadingNumber(text, 0));
 }
 
 // The largest decimal hours whose seconds still fit the 32-bit total.
@@ -54,16 +58,17 @@ void tkDuration::setFromString(const std::string& text) {
         minutes_ = 0;
         seconds_ = 0;
     } else if (const size_t firstColon = text.find(':'); firstColon != std::string::npos) {
-        hours_ = clockPart(text.substr(0, firstColon));
+        const std::string_view view = text;
+        hours_ = clockPart(view.substr(0, firstColon));
         const size_t secondColon = text.find(':', firstColon + 1);
         if (secondColon == std::string::npos) {
             // "h:m" keeps the seconds the object had: zero on a new duration, but an edit of an
             // existing one keeps its seconds. Settled behaviour, not an oversight.
-            minutes_ = clockPart(text.substr(firstColon + 1));
+            minutes_ = clockPart(view.substr(firstColon + 1));
         } else {
-            minutes_ = clockPart(text.substr(firstColon + 1, secondColon - firstColon - 1));
+            minutes_ = clockPart(view.substr(firstColon + 1, secondColon - firstColon - 1));
             // A third ':' isn't looked for; the seconds text is read up to its first non-digit.
-            seconds_ = clockPart(text.substr(secondColon + 1));
+            seconds_ = clockPart(view.substr(secondColon + 1));
         }
     } else {
         // Decimal hours, in double precision and truncated at every step, never rounded:
@@ -145,5 +150,10 @@ void tkDuration::totalFromParts() {
 }
 
 void tkDuration::render() {
-    text_ = renderPart(hours_) + ":" + renderPart(minutes_) + ":" + renderPart(seconds_);
+    text_.clear();
+    appendPart(text_, hours_);
+    text_ += ':';
+    appendPart(text_, minutes_);
+    text_ += ':';
+    appendPart(text_, seconds_);
 }

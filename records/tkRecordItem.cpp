@@ -33,9 +33,13 @@ std::string tkRecordItem::sanitize(const std::string& text) const {
 void tkRecordItem::sanitizeInPlace(std::string& text, int32_t maxLength) {
     // Tabs and line ends are the separators of the tab-delimited line form; no item may
     // carry one. A CR LF pair becomes two blanks.
-    for (char& c : text) {
-        if (c == '\t' || c == '\n' || c == '\r') {
-            c = ' ';
+    // Hardly any text has one, and three library scans tell so much faster than a byte loop.
+    if (text.find('\t') != std::string::npos || text.find('\n') != std::string::npos ||
+        text.find('\r') != std::string::npos) {
+        for (char& c : text) {
+            if (c == '\t' || c == '\n' || c == '\r') {
+                c = ' ';
+            }
         }
     }
     // The limit counts bytes, so a multi-byte character may be cut in the middle.

@@ -1,6 +1,7 @@
 #include "timesheet/tkTimeSheet.h"
 
 #include <algorithm>
+#include <array>
 #include <iostream>
 #include <stdexcept>
 #include <string_view>
@@ -614,6 +615,12 @@ void tkTimeSheet::insertWithoutUndo(const tkRecordRows& records, bool inSheetOrd
     const bool startedEmpty = inSheetOrder && rows_.empty();
     const std::string key = sortBy_;
     const tkRecord* previous = nullptr;
+    // Each row's selection is posted on its own, as the commands would set it. Those one-row
+    // vectors are reused instead of allocated per row, but only once nobody else holds one,
+    // and two take turns, so every post still hands out a fresh selection that is never
+    // edited afterwards while anyone can see it.
+    std::array<std::shared_ptr<std::vector<uint32_t>>, 2> oneRowSelections;
+    size_t turn = 0;
     for (const auto& record : records) {
         if (!record) {
             throw std::invalid_argument("insertRecord: null record");
@@ -624,7 +631,14 @@ void tkTimeSheet::insertWithoutUndo(const tkRecordRows& records, bool inSheetOrd
             appendsInOrder ? insertRecordAt(record, rowCount()) : insertRecord(record);
         previous = record.get();
         rows.push_back(row);
-        setSelection(makeRowSelection({row}));
+        std::shared_ptr<std::vector<uint32_t>>& oneRow = oneRowSelections[turn];
+        turn ^= 1;
+        if (oneRow && oneRow.use_count() == 1) {
+            oneRow->front() = row;
+        } else {
+            oneRow = std::make_shared<std::vector<uint32_t>>(1, row);
+        }
+        setSelection(oneRow);
     }
     setSelection(makeRowSelection(std::move(rows)));
     dirty_ = true;

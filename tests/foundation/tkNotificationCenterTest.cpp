@@ -177,6 +177,23 @@ TEST(tkNotificationCenterReentry, AHandlerCanAddObserversThatRunInTheSamePost) {
     EXPECT_EQ(journal, (Journal{"lateSender", "adder", "late"}));
 }
 
+TEST(tkNotificationCenterReentry, AnySenderObserverAddedBySenderHandlerRunsEvenWhenNoneExisted) {
+    // Nobody listens to any sender when the post starts; the one the sender's handler adds
+    // must still hear this very post.
+    Journal journal;
+    int sender = 0;
+    Probe late("late", journal);
+    Probe adder("adder", journal);
+    adder.listen(kEvent, &sender, [&] {
+        if (journal.size() == 1) {
+            late.listen(kEvent, nullptr);
+        }
+    });
+
+    post(kEvent, &sender);
+    EXPECT_EQ(journal, (Journal{"adder", "late"}));
+}
+
 // Not something the program does, but it must not touch freed memory: the
 // walk goes on behind the removed entry.
 TEST(tkNotificationCenterReentry, AHandlerCanRemoveItsOwnAndLaterRegistrations) {

@@ -5,6 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "foundation/tkNotificationCenter.h"
+#include "foundation/tkNotificationNames.h"
+#include "foundation/tkObserver.h"
 #include "foundation/tkTagParser.h"
 #include "tests/timesheet/tkTimeSheetTestSupport.h"
 
@@ -90,4 +93,43 @@ TEST(BulkRead, TaggedRecordsKeepTheirOwnOrderEvenSortedByDate) {
         "<record><date>1/1/20</date><description>january</description></record></sheet>");
     sheet.addRecordsFromTags(*node);
     EXPECT_EQ(joined(sheet), "january|march");
+}
+
+TEST(BulkRead, EverySelectionPostedStaysAsItWasWhetherKeptOrDropped) {
+    // Each row's selection is posted on its own. An observer may keep the selection it is
+    // shown, or only look at it; either way, what it was shown must never change later.
+    const std::vector<std::string> lines = {"1/1/20|1:00||||a", "1/2/20|1:00||||b",
+                                            "1/3/20|1:00||||c", "1/4/20|1:00||||d",
+                                            "1/5/20|1:00||||e"};
+    for (size_t keepEvery : {1, 2, 3, 0}) {
+        tkTimeSheet sheet;
+        tkObserver observer;
+        std::vector<std::vector<uint32_t>> seen;
+        std::vector<tkRowSelection> kept;
+        std::vector<const void*> shown;
+        tkNotificationCenter::instance().addObserver(
+            &observer,
+            [&](const tkNotification&) {
+                seen.push_back(*sheet.selection());
+                shown.push_back(sheet.selection().get());
+                if (keepEvery != 0 && seen.size() % keepEvery == 0) {
+                    kept.push_back(sheet.selection());
+                }
+            },
+            kTimeSheetSelectionChanged, &sheet);
+        sheet.readTabbedText(fileText(lines));
+        tkNotificationCenter::instance().removeObserver(&observer, kTimeSheetSelectionChanged,
+                                                        &sheet);
+
+        const std::vector<std::vector<uint32_t>> expected = {
+            {}, {0}, {1}, {2}, {3}, {4}, {0, 1, 2, 3, 4}};
+        EXPECT_EQ(seen, expected) << "keeping every " << keepEvery;
+        for (size_t i = 1; i < shown.size(); ++i) {
+            EXPECT_NE(shown[i], shown[i - 1]) << "post " << i << ", keeping every " << keepEvery;
+        }
+        for (size_t k = 0; k < kept.size(); ++k) {
+            EXPECT_EQ(*kept[k], expected[(k + 1) * keepEvery - 1])
+                << "kept " << k << ", keeping every " << keepEvery;
+        }
+    }
 }

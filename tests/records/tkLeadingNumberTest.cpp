@@ -1,0 +1,67 @@
+// Date and duration parts are read without building a string for each; whatever the part,
+// the number must be the one the general string reader gives.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "foundation/tkStrings.h"
+#include "records/tkDuration.h"
+#include "records/tkLeadingNumber.h"
+
+TEST(LeadingNumber, ReadsEveryPartAsTheGeneralReaderDoes) {
+    const std::vector<std::string> parts = {
+        "0",
+        "7",
+        "07",
+        "12",
+        "59x",
+        "1 2",
+        "",
+        "x",
+        " 5",
+        "\t5",
+        "+5",
+        "-5",
+        "- 5",
+        "0x1f",
+        std::string("4\0"
+                    "2",
+                    3),
+        "2147483647",
+        "2147483648",
+        "4294967301",
+        "999999999999999999",
+        "1000000000000000000",
+        "9223372036854775807",
+        "9223372036854775808",
+        "99999999999999999999999",
+        "-99999999999999999999999",
+        "000000000000000000000000000042",
+    };
+    for (const std::string& part : parts) {
+        for (long fallback : {-1L, 0L}) {
+            EXPECT_EQ(leadingNumber(part, fallback), stringToLong(part, fallback))
+                << "part \"" << part << "\", fallback " << fallback;
+        }
+    }
+}
+
+TEST(DurationText, PartsRenderWithSignAndPaddingUpToTheWidestPart) {
+    struct Case {
+        std::string text;
+        std::string rendered;
+    };
+    const std::vector<Case> cases = {
+        {"1:2:3", "01:02:03"},
+        {"-1:-30:-5", "0-1:0-30:0-5"},
+        {"123:4:56", "123:04:56"},
+        {"0:0:0", "00:00:00"},
+        {"2147483647:0:0", "2147483647:00:00"},
+        {"4294967295:0:0", "0-1:00:00"},
+        {"2147483648:2147483648:2147483648", "0-2147483648:0-2147483648:0-2147483648"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(tkDuration(c.text).toString(), c.rendered) << c.text;
+    }
+}
