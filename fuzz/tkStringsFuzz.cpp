@@ -25,23 +25,28 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const bool consumed = end != cText.c_str();
     const double actual = stringToDouble(text, -12345.5);
     if (!consumed) {
-        if (actual != -12345.5) std::abort();
+        if (actual != -12345.5)
+            std::abort();
     } else if (std::isnan(expected)) {
-        if (!std::isnan(actual)) std::abort();
+        if (!std::isnan(actual))
+            std::abort();
     } else if (std::memcmp(&expected, &actual, sizeof expected) != 0) {
         std::abort();
     }
 
     const long expectedLong = std::strtol(cText.c_str(), &end, 10);
-    if (stringToLong(text, 77) != (end == cText.c_str() ? 77 : expectedLong)) std::abort();
+    if (stringToLong(text, 77) != (end == cText.c_str() ? 77 : expectedLong))
+        std::abort();
 
     if (size > 0) {
         const std::string find = text.substr(1, data[0] % size);
         if (!find.empty()) {
             const std::string grown = replaceAll(text, find, find + "x");
-            if (replaceAll(grown, find + "x", find).size() > grown.size()) std::abort();
+            if (replaceAll(grown, find + "x", find).size() > grown.size())
+                std::abort();
         }
     }
-    if (toUpperCase(text).size() != text.size()) std::abort();
+    if (toUpperCase(text).size() != text.size())
+        std::abort();
     return 0;
 }

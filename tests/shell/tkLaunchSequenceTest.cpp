@@ -378,7 +378,8 @@ TEST_F(tkLaunchTest, QuittingRewritesAnUnchangedSheetAndDetachesTheOtherHandlers
     // file may exist already; after quitting it must not change again.
     const auto preferencesBefore = home.readText(preferencesPath());
     tkPreferences::instance().setSingleWindowMode(false);
-    EXPECT_EQ(home.readText(preferencesPath()), preferencesBefore) << "preferences handler detached";
+    EXPECT_EQ(home.readText(preferencesPath()), preferencesBefore)
+        << "preferences handler detached";
 }
 
 }  // namespace
