@@ -19,16 +19,6 @@
 
 namespace {
 
-tkTimerArray& timers() {
-    return tkTimerArray::instance();
-}
-
-void makeTimers(int count) {
-    for (int i = 0; i < count; ++i) {
-        createNewTimer(headlessWindow());
-    }
-}
-
 std::vector<std::string> titles() {
     std::vector<std::string> result;
     for (uint32_t i = 0; i < timers().numTimers(); ++i) {

@@ -21,16 +21,6 @@
 
 namespace {
 
-tkTimerArray& timers() {
-    return tkTimerArray::instance();
-}
-
-void makeTimers(int count) {
-    for (int i = 0; i < count; ++i) {
-        createNewTimer(headlessWindow());
-    }
-}
-
 uint32_t shownNumber() {
     return headlessUI()->getTimerController()->getNumber();
 }
