@@ -14,6 +14,12 @@ namespace {
 // preferences dirty before anything has been read.
 bool gInstanceReady = false;
 
+void markDirtyOnceReady() {
+    if (gInstanceReady) {
+        markPreferencesDirty();
+    }
+}
+
 // The map entry at an outside index (0 is the first real code, -1 the empty entry). Walks
 // from the beginning: the lists are short.
 template <class MapT>
@@ -44,8 +50,7 @@ constexpr size_t kMaxHits = 1 << 14;
 // Each leaf's own class and map behind the three typed lookups.
 template <class Leaf>
 std::shared_ptr<Leaf> getOrAddIn(tkKnownRecordItems::Map& map, tkKnownRecordItems::HitIndex& hits,
-                                 bool addAllowed, const std::string& text, bool& added) {
-    added = false;
+                                 bool addAllowed, const std::string& text) {
     if (auto hit = hits.find(text); hit != hits.end()) {
         // The item is the entry's own object, so this shares the entry's ownership.
         return std::shared_ptr<Leaf>(hit->second.entry->second,
@@ -71,7 +76,7 @@ std::shared_ptr<Leaf> getOrAddIn(tkKnownRecordItems::Map& map, tkKnownRecordItem
     // object wins and the new one is dropped.
     auto held = map.emplace(item->text(), item).first;
     // Marked dirty even when the cut hit a listed code: the caller asked for an addition.
-    added = true;
+    markDirtyOnceReady();
     return std::dynamic_pointer_cast<Leaf>(held->second);
 }
 
@@ -101,9 +106,7 @@ void tkKnownRecordItems::forgetHits() {
 }
 
 void tkKnownRecordItems::markDirty() {
-    if (gInstanceReady) {
-        markPreferencesDirty();
-    }
+    markDirtyOnceReady();
 }
 
 tkKnownRecordItems::Map* tkKnownRecordItems::findMap(const std::string& typeName) {
@@ -129,30 +132,15 @@ const tkKnownRecordItems::Map& tkKnownRecordItems::mapFor(const std::string& typ
 }
 
 std::shared_ptr<tkEmployee> tkKnownRecordItems::getOrAddEmployee(const std::string& text) {
-    bool added = false;
-    auto item = getOrAddIn<tkEmployee>(employees_, employeeHits_, addAllowed_, text, added);
-    if (added) {
-        markDirty();
-    }
-    return item;
+    return getOrAddIn<tkEmployee>(employees_, employeeHits_, addAllowed_, text);
 }
 
 std::shared_ptr<tkJobNumber> tkKnownRecordItems::getOrAddJobNumber(const std::string& text) {
-    bool added = false;
-    auto item = getOrAddIn<tkJobNumber>(jobNumbers_, jobNumberHits_, addAllowed_, text, added);
-    if (added) {
-        markDirty();
-    }
-    return item;
+    return getOrAddIn<tkJobNumber>(jobNumbers_, jobNumberHits_, addAllowed_, text);
 }
 
 std::shared_ptr<tkFeeCode> tkKnownRecordItems::getOrAddFeeCode(const std::string& text) {
-    bool added = false;
-    auto item = getOrAddIn<tkFeeCode>(feeCodes_, feeCodeHits_, addAllowed_, text, added);
-    if (added) {
-        markDirty();
-    }
-    return item;
+    return getOrAddIn<tkFeeCode>(feeCodes_, feeCodeHits_, addAllowed_, text);
 }
 
 std::shared_ptr<tkRecordItem> tkKnownRecordItems::getOrAdd(const std::string& typeName,
