@@ -1,0 +1,24 @@
+# The Qt 6 layer: ui/ builds the static library tk_ui (moc, uic and rcc run
+# automatically), app/ the executable. Designer files and images live under
+# resources/, where AUTOUIC looks for the forms that ui/ includes.
+find_package(Qt6 REQUIRED COMPONENTS Widgets PrintSupport Network Svg)
+
+file(GLOB TK_UI_SOURCES CONFIGURE_DEPENDS
+  "${PROJECT_SOURCE_DIR}/ui/*.cpp" "${PROJECT_SOURCE_DIR}/ui/*.h")
+file(GLOB TK_UI_RESOURCES CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/resources/*.qrc")
+add_library(tk_ui STATIC ${TK_UI_SOURCES} ${TK_UI_RESOURCES})
+set_target_properties(tk_ui PROPERTIES
+  AUTOMOC ON AUTOUIC ON AUTORCC ON
+  AUTOUIC_SEARCH_PATHS "${PROJECT_SOURCE_DIR}/resources")
+target_include_directories(tk_ui PUBLIC "${PROJECT_SOURCE_DIR}")
+target_link_libraries(tk_ui PUBLIC ${TK_ALL_LIBRARIES}
+  Qt6::Widgets Qt6::PrintSupport Qt6::Network Qt6::Svg)
+target_compile_definitions(tk_ui PUBLIC
+  TK_VERSION="${PROJECT_VERSION}" QT_NO_KEYWORDS)
+
+file(GLOB TK_APP_SOURCES CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/app/*.cpp")
+if(TK_APP_SOURCES)
+  add_executable(chronolet-plus ${TK_APP_SOURCES})
+  target_link_libraries(chronolet-plus PRIVATE tk_ui)
+  set_target_properties(chronolet-plus PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}")
+endif()
