@@ -121,6 +121,7 @@ class tkPrintTimeSheetLayout {
     const std::vector<double>& rowHeights() const { return _rowHeights; }
     const std::string& cellText(int32_t column, int32_t row) const { return _data[column][row]; }
     bool cellWraps(int32_t column) const { return _cellWraps[column]; }
+    bool onlyLastColumnWraps() const { return _onlyLastColumnWraps; }
 
   private:
     void ensureRowRects();
