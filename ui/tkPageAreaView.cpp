@@ -26,7 +26,7 @@ void tkPageAreaView::drawField(QPainter& painter, const tkPageField& field, cons
     QRectF frame = toPageCoordinates(inReport, page);
     // One line at the bottom of the field, so that fields of different fonts side by side
     // share a base line.
-    frame.setTop(frame.bottom() - measurer.lineHeight());
+    frame.setTop(frame.bottom() - measurer.singleLineHeight());
     measurer.drawCell(painter, field.text, frame, false, alignment);
 }
 

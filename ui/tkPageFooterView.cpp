@@ -8,7 +8,7 @@ constexpr double kTextY = 2.0;
 constexpr double kTextHeight = 13.0;
 constexpr double kTextWidth = 200.0;
 // The rule's upper hairline, above the totals.
-constexpr double kRuleY = 20.0;
+constexpr double kRuleY = 22.0;
 
 }  // namespace
 

@@ -16,7 +16,7 @@ class QPainter;
 class tkPageFooterView : public tkPageAreaView {
   public:
     static constexpr double kDesignWidth = 540.0;
-    static constexpr double kDesignHeight = 48.0;
+    static constexpr double kDesignHeight = 52.0;
 
     explicit tkPageFooterView(QPaintDevice* device);
     tkPageFooterView(const tkPageFooterView&) = delete;

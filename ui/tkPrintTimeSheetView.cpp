@@ -77,10 +77,6 @@ void tkPrintTimeSheetView::drawPage(QPainter& painter, int32_t page) {
 
 void tkPrintTimeSheetView::drawRect(QPainter& painter, const tkRect& page) {
     painter.fillRect(toPageCoordinates(page, page), Qt::white);
-    // A one-line value stands in the middle of a row of the minimum height; taller rows keep
-    // their first line there too, so every cell of a row starts on the same line.
-    const double lead =
-        std::max(0.0, (tkPrintTimeSheetLayout::kMinRowHeight - _cellFont->lineHeight()) / 2.0);
     // A row's height was measured with the last column's text in the drawing rectangle of its
     // drawing rectangle, insets taken off twice; the text breaks at that same width on paper,
     // so that it takes exactly the lines its row was given.
@@ -89,7 +85,7 @@ void tkPrintTimeSheetView::drawRect(QPainter& painter, const tkRect& page) {
     _layout.forEachCellInRect(page, [&](int32_t column, int32_t row, const tkRect& frame) {
         const bool wraps = _layout.cellWraps(column);
         const QRectF cell =
-            toPageCoordinates(frame, page).adjusted(0.0, lead, wraps ? -measuredRoom : 0.0, 0.0);
+            toPageCoordinates(frame, page).adjusted(0.0, 0.0, wraps ? -measuredRoom : 0.0, 0.0);
         _cellFont->drawCell(painter, _layout.cellText(column, row), cell, wraps);
     });
 }

@@ -36,12 +36,12 @@ tkSize tkTextMeasurerQt::cellSizeForBounds(const std::string& text, const tkRect
     const double room = bounds.width - 2.0 * kHorizontalInset;
     // Most values fit on one line; only those that don't need a full text layout.
     if (!wraps || natural <= room) {
-        return {natural + 2.0 * kHorizontalInset, _metrics.height()};
+        return {natural + 2.0 * kHorizontalInset, singleLineHeight()};
     }
     QTextLayout layout(value, _font, _device);
     layout.setTextOption(_wrapping);
     const QSizeF size = layOut(layout, room);
-    return {size.width() + 2.0 * kHorizontalInset, size.height()};
+    return {size.width() + 2.0 * kHorizontalInset, size.height() + 2.0 * kVerticalInset};
 }
 
 double tkTextMeasurerQt::naturalWidth(const std::string& text, const QString& value) const {
@@ -53,13 +53,14 @@ double tkTextMeasurerQt::naturalWidth(const std::string& text, const QString& va
 }
 
 tkRect tkTextMeasurerQt::drawingRectForBounds(const tkRect& bounds) const {
-    return {bounds.x + kHorizontalInset, bounds.y, bounds.width - 2.0 * kHorizontalInset,
-            bounds.height};
+    return {bounds.x + kHorizontalInset, bounds.y + kVerticalInset,
+            bounds.width - 2.0 * kHorizontalInset, bounds.height - 2.0 * kVerticalInset};
 }
 
 void tkTextMeasurerQt::drawCell(QPainter& painter, const std::string& text, const QRectF& frame,
                                 bool wraps, Qt::Alignment alignment) const {
-    const QRectF room = frame.adjusted(kHorizontalInset, 0.0, -kHorizontalInset, 0.0);
+    const QRectF room =
+        frame.adjusted(kHorizontalInset, kVerticalInset, -kHorizontalInset, -kVerticalInset);
     QString value = QString::fromStdString(text);
     const double natural = naturalWidth(text, value);
     painter.setFont(_font);

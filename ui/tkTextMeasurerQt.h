@@ -19,8 +19,10 @@ class QPaintDevice;
 // per inch, so they are points.
 class tkTextMeasurerQt : public ItkTextMeasurer {
   public:
-    // Room a cell keeps free at each side of its text.
+    // Room a cell keeps free at each side of its text, and above and below it: rows of
+    // several lines stand as far apart as rows of one.
     static constexpr double kHorizontalInset = 2.0;
+    static constexpr double kVerticalInset = 1.5;
 
     // The device must outlive the measurer; it decides the resolution the font is measured at.
     tkTextMeasurerQt(const QFont& font, QPaintDevice* device);
@@ -30,10 +32,11 @@ class tkTextMeasurerQt : public ItkTextMeasurer {
     tkRect drawingRectForBounds(const tkRect& bounds) const override;
 
     const QFont& font() const { return _font; }
-    double lineHeight() const { return _metrics.height(); }
+    // The height of a cell of one line, insets included.
+    double singleLineHeight() const { return _metrics.height() + 2.0 * kVerticalInset; }
 
     // Draws text inside the drawing rectangle of frame (painter coordinates, y downward), from
-    // the frame's top, aligned left, right or centred by alignment. A wrapping cell breaks the
+    // its top, aligned left, right or centred by alignment. A wrapping cell breaks the
     // text as cellSizeForBounds() did; a single line too long for the cell ends in an
     // ellipsis instead of running into its neighbour.
     void drawCell(QPainter& painter, const std::string& text, const QRectF& frame, bool wraps,
