@@ -14,7 +14,6 @@ tkPrintTimeSheetLayout::tkPrintTimeSheetLayout(tkReportSnapshot snapshot, bool o
       _onlyLastColumnWraps(onlyLastColumnWraps),
       _numRows(static_cast<int32_t>(snapshot.rowCount)),
       _numColumns(static_cast<int32_t>(snapshot.columns.size())),
-      _durationString(std::move(snapshot.durationString)),
       _header(header),
       _footer(footer),
       _title(std::move(title)) {
@@ -31,7 +30,7 @@ tkPrintTimeSheetLayout::tkPrintTimeSheetLayout(tkReportSnapshot snapshot, bool o
 
     _header.setFrameOrigin({_origin.x, -_header.frame().height});
     _footer.setFrameOrigin({_origin.x, -_footer.frame().height});
-    _footer.setDurationString(_durationString);
+    _footer.setDurationString(snapshot.durationString);
     _header.setDateOffset(0.0);
     _footer.setEntryCountString(std::to_string(_numRows));
 }

@@ -146,7 +146,6 @@ class tkPrintTimeSheetLayout {
     // The lowest (y - row spacing) of rows 0..r: never rises with r, so the first row whose
     // rectangle reaches below a point is found by binary search instead of a walk.
     std::vector<double> _lowestRowBottom;
-    std::string _durationString;
     tkPageHeaderLayout& _header;
     tkPageFooterLayout& _footer;
     double _headerHeight = 0.0;

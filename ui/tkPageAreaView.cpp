@@ -8,6 +8,15 @@
 #include "ui/tkReportPageCoordinates.h"
 #include "ui/tkTextMeasurerQt.h"
 
+tkPageAreaView::tkPageAreaView(QPaintDevice* device) : _device(device) {}
+
+tkPageAreaView::~tkPageAreaView() = default;
+
+void tkPageAreaView::setFont(const QFont& font) {
+    _font = std::make_unique<tkTextMeasurerQt>(font, _device);
+    layOutFont(*_font);
+}
+
 QFont tkPageAreaView::applicationFont(double size, bool bold) {
     QFont font = QGuiApplication::font();
     font.setPointSizeF(size);

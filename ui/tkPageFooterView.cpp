@@ -13,17 +13,12 @@ constexpr double kRuleY = 22.0;
 }  // namespace
 
 tkPageFooterView::tkPageFooterView(QPaintDevice* device)
-    : _device(device), _designFont(applicationFont(11.0, true), device) {
+    : tkPageAreaView(device), _designFont(applicationFont(11.0, true), device) {
     _layout.entryCountField() = {"", {300.0, kTextY, kTextWidth, kTextHeight}, &_designFont};
     _layout.durationField() = {
         "", {tkPageFooterLayout::kGutter, kTextY, kTextWidth, kTextHeight}, &_designFont};
     _layout.awakeFromNib(kRuleY);
     _layout.setFrame({0.0, 0.0, kDesignWidth, kDesignHeight});
-}
-
-void tkPageFooterView::setFont(const QFont& font) {
-    _font = std::make_unique<tkTextMeasurerQt>(font, _device);
-    _layout.setFont(*_font);
 }
 
 void tkPageFooterView::draw(QPainter& painter, const tkRect& page) {

@@ -18,7 +18,7 @@ constexpr double kRuleY = 3.0;
 }  // namespace
 
 tkPageHeaderView::tkPageHeaderView(QPaintDevice* device)
-    : _device(device),
+    : tkPageAreaView(device),
       _titleFont(applicationFont(12.0, true), device),
       _detailFont(applicationFont(9.0, false), device) {
     const double width = kDesignWidth;
@@ -40,11 +40,6 @@ tkPageHeaderView::tkPageHeaderView(QPaintDevice* device)
         x += 73.0;
     }
     _layout.awakeFromNib(kRuleY);
-}
-
-void tkPageHeaderView::setFont(const QFont& font) {
-    _columnFont = std::make_unique<tkTextMeasurerQt>(font, _device);
-    _layout.setFont(*_columnFont);
 }
 
 void tkPageHeaderView::setTimeStamp(const QDateTime& when) {

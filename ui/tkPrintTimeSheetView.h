@@ -49,8 +49,6 @@ class tkPrintTimeSheetView {
     void drawPage(QPainter& painter, int32_t page);
 
     tkPrintTimeSheetLayout& layout() { return _layout; }
-    tkPageHeaderView& header() { return _header; }
-    tkPageFooterView& footer() { return _footer; }
 
   private:
     // The grid of the page whose rectangle is page, over a white ground.

@@ -65,10 +65,11 @@ void tkTextMeasurerQt::drawCell(QPainter& painter, const std::string& text, cons
     const double natural = naturalWidth(text, value);
     painter.setFont(_font);
     if (!wraps || natural <= room.width()) {
+        double width = natural;
         if (natural > room.width()) {
             value = _metrics.elidedText(value, Qt::ElideRight, room.width());
+            width = _metrics.horizontalAdvance(value);
         }
-        const double width = _metrics.horizontalAdvance(value);
         double x = room.left();
         if (alignment & Qt::AlignRight) {
             x = room.right() - width;
