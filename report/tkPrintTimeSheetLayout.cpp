@@ -1,6 +1,7 @@
 #include "report/tkPrintTimeSheetLayout.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <utility>
 
 #include "report/tkPageFooterLayout.h"
@@ -54,8 +55,8 @@ void tkPrintTimeSheetLayout::refreshSizes() {
 }
 
 void tkPrintTimeSheetLayout::figureColumnWidths() {
-    for (tkPageAreaLayout* area :
-         {static_cast<tkPageAreaLayout*>(&_header), static_cast<tkPageAreaLayout*>(&_footer)}) {
+    // Header and footer span the page.
+    for (tkPageAreaLayout* area : std::initializer_list<tkPageAreaLayout*>{&_header, &_footer}) {
         tkRect widened = area->frame();
         widened.width = _pageWidth;
         area->setFrame(widened);

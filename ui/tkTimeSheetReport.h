@@ -37,6 +37,9 @@ class tkTimeSheetReport : public QObject {
     // Prints a snapshot on printer as it is set up, with no dialog.
     bool printReport(QPrinter& printer, tkReportSnapshot snapshot, const QDateTime& when);
 
+    // The window the dialogs open over from now on; null for windows of their own.
+    void setDialogParent(QWidget* dialogParent) { _dialogParent = dialogParent; }
+
     // The settings of the next print job.
     QPrinter& printer() { return _printer; }
     // The page rectangle a report is laid out on, in points: the printer's page with the
