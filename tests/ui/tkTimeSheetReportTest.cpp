@@ -7,6 +7,9 @@
 #include <QTemporaryDir>
 #include <QTimer>
 #include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <iterator>
 #include <memory>
 #include <numeric>
 #include <regex>
