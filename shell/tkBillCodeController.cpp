@@ -9,6 +9,7 @@
 #include "foundation/tkFile.h"
 #include "foundation/tkFileManager.h"
 #include "foundation/tkMalformedFileException.h"
+#include "foundation/tkStrings.h"
 #include "foundation/tkTagNode.h"
 #include "foundation/tkTagParser.h"
 #include "preferences/tkPreferences.h"
@@ -50,6 +51,10 @@ bool tkBillCodeController::renameRow(int32_t row, const std::string& text) {
     const std::string sanitized = known.itemAt(_fieldName, row)->sanitize(text);
     if (sanitized.empty()) {
         return false;
+    }
+    if (toUpperCase(sanitized) == *known.codeAt(_fieldName, row)) {
+        // An edit that ended without a change: nothing to rename or rewrite.
+        return true;
     }
     known.renameAt(_fieldName, row, sanitized);
     // The records that share the code show the new text already, but their

@@ -30,7 +30,8 @@ class tkBillCodeController {
     // the new text at once; the text is sanitised as the code's field
     // requires. Renaming onto a code that exists leaves one entry in the
     // list (no merge of the objects). The timers and the time sheet are
-    // marked dirty, so that their files carry the new text too. Answers
+    // marked dirty, so that their files carry the new text too; the code's
+    // own text (in any case) changes nothing. Answers
     // false, changing nothing, for a row out of range or a text that
     // sanitises to nothing: an emptied cell would silently strip the code
     // from every record that holds it.
