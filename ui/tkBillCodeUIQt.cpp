@@ -1,6 +1,7 @@
 #include "ui/tkBillCodeUIQt.h"
 
 #include <QApplication>
+#include <QHeaderView>
 #include <QItemSelection>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -20,6 +21,9 @@ tkBillCodeUIQt::tkBillCodeUIQt(QTableView& table, std::string name, tkBillCodeAd
     _bcControl = std::make_unique<tkBillCodeController>(*_ui, _name);
     _tableDS = new tkBillCodeTableDataSource(_name, *_bcControl, this);
     _table.setModel(_tableDS);
+    // A list of short codes: rows as tight as the text allows.
+    _table.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    _table.verticalHeader()->setDefaultSectionSize(_table.fontMetrics().height() + 6);
     _table.setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
                            QAbstractItemView::SelectedClicked);
     _table.installEventFilter(this);

@@ -27,6 +27,7 @@ tkPreferencesUIQt::tkPreferencesUIQt(QObject* parent)
     _form->setupUi(_window.get());
     // Wide enough for the 36 characters that a shortened location can take.
     _form->saveTF->setMinimumWidth(_form->saveTF->fontMetrics().averageCharWidth() * 40);
+    _window->adjustSize();
 
     // One panel, kept and re-used for every choice of location.
     _sPanel = new QFileDialog(_window.get());

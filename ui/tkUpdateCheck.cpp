@@ -33,7 +33,7 @@ tkUpdateCheck::tkUpdateCheck(QObject* parent)
     _updateResultsTextField = new QLabel(&window);
     _updateResultsTextField->setObjectName(QStringLiteral("updateResultsTextField"));
     _updateResultsTextField->setWordWrap(true);
-    _updateResultsTextField->setMinimumWidth(320);
+    _updateResultsTextField->setMinimumWidth(420);
 
     _cancelButton = new QPushButton(QStringLiteral("Cancel"), &window);
     _cancelButton->setObjectName(QStringLiteral("cancelButton"));
