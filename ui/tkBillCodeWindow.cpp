@@ -81,10 +81,13 @@ void tkBillCodeWindow::clearBillCodes() {
     refresh();
 }
 
-QFileDialog* tkBillCodeWindow::makePanel(QFileDialog* previous, const QString& prompt) {
+QFileDialog* tkBillCodeWindow::makePanel(QFileDialog* previous, const QString& name,
+                                         const QString& prompt, QFileDialog::AcceptMode mode) {
     // A new panel each time, so that nothing of the last use carries over.
     delete previous;
     auto* panel = new QFileDialog(_window.get());
+    panel->setObjectName(name);
+    panel->setAcceptMode(mode);
     panel->setWindowModality(Qt::WindowModal);
     panel->setNameFilter(QStringLiteral("Text files (*.txt)"));
     panel->setDefaultSuffix(QStringLiteral("txt"));
@@ -94,9 +97,8 @@ QFileDialog* tkBillCodeWindow::makePanel(QFileDialog* previous, const QString& p
 }
 
 void tkBillCodeWindow::exportBillCodes() {
-    _sPanel = makePanel(_sPanel, QStringLiteral("Export"));
-    _sPanel->setObjectName(QStringLiteral("exportPanel"));
-    _sPanel->setAcceptMode(QFileDialog::AcceptSave);
+    _sPanel = makePanel(_sPanel, QStringLiteral("exportPanel"), QStringLiteral("Export"),
+                        QFileDialog::AcceptSave);
     _sPanel->selectFile(QStringLiteral("billing codes.txt"));
     connect(_sPanel, &QFileDialog::fileSelected, this, &tkBillCodeWindow::exportTo);
     _sPanel->open();
@@ -113,9 +115,8 @@ void tkBillCodeWindow::exportTo(const QString& file) {
 }
 
 void tkBillCodeWindow::importBillCodes() {
-    _oPanel = makePanel(_oPanel, QStringLiteral("Import"));
-    _oPanel->setObjectName(QStringLiteral("importPanel"));
-    _oPanel->setAcceptMode(QFileDialog::AcceptOpen);
+    _oPanel = makePanel(_oPanel, QStringLiteral("importPanel"), QStringLiteral("Import"),
+                        QFileDialog::AcceptOpen);
     _oPanel->setFileMode(QFileDialog::ExistingFile);
     connect(_oPanel, &QFileDialog::fileSelected, this, &tkBillCodeWindow::importFrom);
     // However the panel ends, cancelled or after an error.

@@ -1,12 +1,12 @@
 #pragma once
 
+#include <QFileDialog>
 #include <QObject>
 #include <QPointer>
 #include <memory>
 
 #include "ui/tkWindowErrors.h"
 
-class QFileDialog;
 class QWidget;
 class tkBillCodeAdder;
 class tkBillCodeUIQt;
@@ -51,7 +51,8 @@ class tkBillCodeWindow : public QObject {
     // What the panels do with the file they were given.
     void exportTo(const QString& file);
     void importFrom(const QString& file);
-    QFileDialog* makePanel(QFileDialog* previous, const QString& prompt);
+    QFileDialog* makePanel(QFileDialog* previous, const QString& name, const QString& prompt,
+                           QFileDialog::AcceptMode mode);
 
     std::unique_ptr<QWidget> _window;
     std::unique_ptr<Ui::billcodes> _form;
