@@ -120,11 +120,11 @@ TEST_F(tkUpdateCheckTest, FeedsOverHttpAreComparedByBuildNumberAlone) {
 TEST_F(tkUpdateCheckTest, AServerThatNeverAnswersIsGivenUpAfterTheTimeOut) {
     server.setSilent(true);
     pointFeedAt(server.url(QStringLiteral("/updates/cltmac.xml")));
-    QSettings().setValue(tkVersionInfo::kTimeoutKey, 300);
+    QSettings().setValue(tkVersionInfo::kTimeoutKey, 1000);
     QElapsedTimer clock;
     clock.start();
     check.check();
-    EXPECT_GE(clock.elapsed(), 300);
+    EXPECT_GE(clock.elapsed(), 1000);
     EXPECT_EQ(server.connections(), 1) << "it did connect, and then waited";
     EXPECT_EQ(shownText(), upToDate());
     EXPECT_FALSE(button("cancelButton")->isEnabled());
