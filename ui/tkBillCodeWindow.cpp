@@ -6,6 +6,7 @@
 #include <QStandardPaths>
 #include <QWidget>
 #include <iostream>
+#include <utility>
 
 #include "foundation/tkException.h"
 #include "records/tkRecordFields.h"
