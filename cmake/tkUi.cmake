@@ -22,3 +22,31 @@ if(TK_APP_SOURCES)
   target_link_libraries(chronolet-plus PRIVATE tk_ui)
   set_target_properties(chronolet-plus PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}")
 endif()
+
+# The application's own version file, which the update check compares with
+# the one on the server: written by the build with the project's version and
+# a build number, and compiled into the resources as ":/cltmac.xml".
+set(TK_BUILD_NUMBER "" CACHE STRING
+  "Build number of the version file; empty takes the number of commits")
+set(TK_UPDATE_SERVER "https://www.tekamo.com" CACHE STRING
+  "Server of the version feed (/updates/cltmac.xml) and of the downloads")
+set(TK_VERSION_BUILD "${TK_BUILD_NUMBER}")
+if(NOT TK_VERSION_BUILD)
+  execute_process(COMMAND git rev-list --count HEAD
+    WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
+    OUTPUT_VARIABLE TK_VERSION_BUILD OUTPUT_STRIP_TRAILING_WHITESPACE
+    RESULT_VARIABLE tk_git_result ERROR_QUIET)
+  if(NOT tk_git_result EQUAL 0 OR NOT TK_VERSION_BUILD MATCHES "^[0-9]+$")
+    set(TK_VERSION_BUILD 1)
+  endif()
+endif()
+configure_file(resources/cltmac.xml.in "${CMAKE_BINARY_DIR}/generated/cltmac.xml" @ONLY)
+configure_file(resources/tkversion.qrc.in "${CMAKE_BINARY_DIR}/generated/tkversion.qrc" COPYONLY)
+target_sources(tk_ui PRIVATE "${CMAKE_BINARY_DIR}/generated/tkversion.qrc")
+target_compile_definitions(tk_ui PRIVATE TK_UPDATE_SERVER="${TK_UPDATE_SERVER}")
+
+# Screenshots of the preferences, billing code and update windows.
+add_executable(tk_support_screenshots
+  "${PROJECT_SOURCE_DIR}/tools/screenshots/tkSupportScreenshots.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/screenshots/tkSupportScreenshotsMain.cpp")
+target_link_libraries(tk_support_screenshots PRIVATE tk_ui)
