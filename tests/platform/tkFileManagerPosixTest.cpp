@@ -12,8 +12,11 @@
 #include <string>
 
 #include "foundation/IOException.h"
+#include "foundation/tkFileWriteException.h"
 #include "platform/tkFilePosix.h"
+#include "platform/tkPosixIO.h"
 #include "tests/platform/tkPlatformTestSupport.h"
+#include "tests/support/tkStdoutCapture.h"
 #include "tests/support/tkTempHome.h"
 
 namespace {
@@ -35,9 +38,12 @@ class tkFileManagerPosixTest : public ::testing::Test {
 
 // ---- createDirectory, createFile ----
 
-TEST_F(tkFileManagerPosixTest, CreateDirectoryMakesTheChainButNotThroughAFile) {
+TEST_F(tkFileManagerPosixTest, CreateDirectoryMakesThePrivateChainButNotThroughAFile) {
     EXPECT_TRUE(manager.createDirectory("~/a/b/c"));
     EXPECT_TRUE(std::filesystem::is_directory(home.path("a/b/c")));
+    for (const char* folder : {"a", "a/b", "a/b/c"}) {
+        EXPECT_EQ(permissionsOf(home.path(folder)), 0700u) << folder;
+    }
     home.writeText("plain", "x");
     EXPECT_TRUE(manager.createDirectory(home.path("plain")));
     EXPECT_FALSE(manager.createDirectory(home.path("plain/sub")));
@@ -192,6 +198,157 @@ TEST_F(tkFileManagerPosixTest, SafeSavePicksALongerTemporaryNameAndLeavesOldOnes
     EXPECT_EQ(home.readText("d/~data"), "leftover 1");
     EXPECT_EQ(home.readText("d/~~data"), "leftover 2");
     EXPECT_FALSE(home.exists("d/~~~data"));
+}
+
+// ---- readFile, replaceFile ----
+
+TEST_F(tkFileManagerPosixTest, ReadFileSaysWhatIsWrongWithThePath) {
+    home.writeText("sheet.txt", "rows");
+    home.writeText("folder/x", "");
+    ASSERT_EQ(::mkfifo(home.path("pipe").c_str(), 0600), 0);
+    ASSERT_EQ(::symlink("/dev/zero", home.path("zero").c_str()), 0);
+    home.writeText("huge", "");
+    ASSERT_EQ(::truncate(home.path("huge").c_str(), tkPosixIO::kMaximumFileSize + 1), 0);
+    EXPECT_EQ(manager.readFile(*file("sheet.txt")), "rows");
+    struct Case {
+        const char* name;
+        std::string reason;
+    };
+    const Case cases[] = {
+        {"missing", "No such file or directory"},
+        {"folder", "it is a folder, not a file"},
+        {"pipe", "it is not a regular file (a device, pipe or socket)"},
+        {"zero", "it is not a regular file (a device, pipe or socket)"},
+        {"huge", "it is too large (" + std::to_string(tkPosixIO::kMaximumFileSize + 1) + " bytes)"},
+    };
+    for (const Case& c : cases) {
+        tkStdoutCapture out;
+        try {
+            manager.readFile(*file(c.name));
+            ADD_FAILURE() << "no exception for " << c.name;
+        } catch (const IOException& e) {
+            EXPECT_EQ(e.message(), "Cannot read " + home.path(c.name) + ": " + c.reason + ".");
+        }
+    }
+}
+
+TEST_F(tkFileManagerPosixTest, ReplaceFileCreatesOrReplacesWholeAndSaysWhyNot) {
+    home.writeText("d/secret", "old");
+    ::chmod(home.path("d/secret").c_str(), 0600);
+    manager.replaceFile(*file("d/secret"), "new");
+    manager.replaceFile(*file("d/fresh"), "made");
+    EXPECT_EQ(home.readText("d/secret"), "new");
+    EXPECT_EQ(permissionsOf(home.path("d/secret")), 0600u);
+    EXPECT_EQ(home.readText("d/fresh"), "made");
+    EXPECT_EQ(sortedEntries("d"), (std::vector<std::string>{"fresh", "secret"}));
+
+    tkStdoutCapture out;
+    try {
+        manager.replaceFile(*file("d"), "over a folder");
+        FAIL() << "no exception";
+    } catch (const tkFileWriteException& e) {
+        EXPECT_EQ(e.message(),
+                  "Could not save " + home.path("d") + ": it is a folder, not a file.");
+    }
+}
+
+// While a save writes a big file, its temporary never shows anyone more than
+// the finished file will: it has the target's permissions from its first byte.
+TEST_F(tkFileManagerPosixTest, TemporariesNeverShowWiderPermissionsThanTheTarget) {
+    home.writeText("d/secret", "old");
+    home.writeText("d/export", "old");
+    ::chmod(home.path("d/secret").c_str(), 0600);
+    ::chmod(home.path("d/export").c_str(), 0600);
+    const pid_t writer = ::fork();
+    ASSERT_GE(writer, 0);
+    if (writer == 0) {
+        tkFileManagerPosix own;
+        const std::string big(4 << 20, 'x');
+        for (;;) {
+            own.replaceFile(*own.makeFile(home.path("d/secret")), big);
+            own.safeSave(*own.makeFile(home.path("d/export")), big);
+        }
+    }
+    int seen = 0;
+    for (int look = 0; look < 3000 && seen < 20; ++look) {
+        for (const std::string& name : manager.listDirectory(home.path("d"))) {
+            struct stat info;
+            if (name == "secret" || name == "export" ||
+                ::lstat(home.path("d/" + name).c_str(), &info) != 0) {
+                continue;
+            }
+            ++seen;
+            EXPECT_EQ(info.st_mode & 07777, 0600u) << name;
+        }
+    }
+    ::kill(writer, SIGKILL);
+    ::waitpid(writer, nullptr, 0);
+    EXPECT_GT(seen, 0) << "no temporary was ever caught in flight";
+}
+
+// ---- lockFile, sweepTemporaries ----
+
+TEST_F(tkFileManagerPosixTest, LockFileTriesOnceOrWaitsForTheHolderToLetGo) {
+    const std::string lock = home.path(".data.lock");
+    int release[2];
+    int ready[2];
+    ASSERT_EQ(::pipe(release), 0);
+    ASSERT_EQ(::pipe(ready), 0);
+    const pid_t holder = ::fork();
+    ASSERT_GE(holder, 0);
+    if (holder == 0) {
+        tkFileManagerPosix own;
+        const char ok = own.lockFile(lock, 0).fd >= 0 ? '1' : '0';
+        (void)!::write(ready[1], &ok, 1);
+        char go = 0;
+        (void)!::read(release[0], &go, 1);
+        ::_exit(0);  // the lock dies with the process
+    }
+    char ok = 0;
+    ASSERT_EQ(::read(ready[0], &ok, 1), 1);
+    ASSERT_EQ(ok, '1');
+    EXPECT_EQ(permissionsOf(lock), 0644u) << "others who share a sheet lock it too";
+
+    const tkLockAttempt refused = manager.lockFile(lock, 0);
+    EXPECT_EQ(refused.fd, -1);
+    EXPECT_TRUE(refused.heldElsewhere);
+
+    const char go = 'g';
+    ASSERT_EQ(::write(release[1], &go, 1), 1);
+    // Generous: the holder exits at once, but the machine may be busy.
+    const tkLockAttempt waited = manager.lockFile(lock, 60000);
+    EXPECT_GE(waited.fd, 0);
+    EXPECT_NE(::fcntl(waited.fd, F_GETFD) & FD_CLOEXEC, 0) << "a forked child must not inherit it";
+    manager.closeLocked(waited.fd);
+    ::waitpid(holder, nullptr, 0);
+
+    // A link planted at the name must not lead the lock file elsewhere.
+    ASSERT_EQ(::symlink(home.path("elsewhere").c_str(), home.path(".planted.lock").c_str()), 0);
+    const tkLockAttempt planted = manager.lockFile(home.path(".planted.lock"), 0);
+    EXPECT_EQ(planted.fd, -1);
+    EXPECT_FALSE(planted.heldElsewhere);
+    EXPECT_FALSE(home.exists("elsewhere"));
+}
+
+TEST_F(tkFileManagerPosixTest, SweepRemovesOnlyTheTemporariesOfDeadProcesses) {
+    const pid_t dead = ::fork();
+    if (dead == 0) {
+        ::_exit(0);
+    }
+    ::waitpid(dead, nullptr, 0);
+    const std::string deadPid = std::to_string(dead);
+    const std::string livePid = std::to_string(::getpid());
+    for (const std::string& name :
+         {".sheet.txt.tkw." + deadPid, ".sheet.txt.tkw." + deadPid + ".3",
+          ".sheet.txt.tkw." + livePid, ".other.txt.tkw." + deadPid, ".sheet.txt.tkw.x" + deadPid,
+          std::string("sheet.txt"), std::string(".sheet.txt.lock")}) {
+        home.writeText("d/" + name, "");
+    }
+    EXPECT_EQ(manager.sweepTemporaries(home.path("d"), {"sheet.txt"}), 2);
+    EXPECT_EQ(sortedEntries("d"),
+              (std::vector<std::string>{".other.txt.tkw." + deadPid, ".sheet.txt.lock",
+                                        ".sheet.txt.tkw." + livePid, ".sheet.txt.tkw.x" + deadPid,
+                                        "sheet.txt"}));
 }
 
 // ---- openLocked, closeLocked ----
