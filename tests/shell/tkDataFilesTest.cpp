@@ -191,6 +191,24 @@ TEST_F(tkDataFilesTest, SwitchWithLoadAddsTheRowsOfTheOtherFile) {
     EXPECT_TRUE(lockIsFree(sheetPath()));
 }
 
+// The rows of the other file go in without a write per row; then the new
+// file is written once and whole, and only then do the preferences name it.
+TEST_F(tkDataFilesTest, SwitchWritesTheNewFileOnceBeforeThePreferencesNameIt) {
+    openSheet(row("a"));
+    tkAppState::instance().attachPreferencesHandlers();
+    std::string other;
+    for (int i = 0; i < 100; ++i) {
+        other += row("x" + std::to_string(i));
+    }
+    home.writeText("other.txt", other);
+    faulty->faults().replaced.clear();
+    EXPECT_EQ(switchTimeSheet(*fileFromPath(home.path("other.txt")), true, false), 0);
+    EXPECT_EQ(faulty->faults().replaced,
+              (std::vector<std::string>{home.path("other.txt"), preferencesPath()}));
+    EXPECT_EQ(home.readText("other.txt"), row("a") + other);
+    EXPECT_FALSE(tkTimeSheet::instance().isDirty());
+}
+
 TEST_F(tkDataFilesTest, SwitchAnswersEachFailureWithItsCode) {
     openSheet("");
     home.writeText("bad.txt", "no tabs\n");

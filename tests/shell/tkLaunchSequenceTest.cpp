@@ -249,6 +249,66 @@ TEST_F(tkLaunchTest, UnwritableSheetShowsWhyThenOpensTheReadWindow) {
     EXPECT_EQ(home.readText(sheetPath()), row("mine"));
 }
 
+// Whatever stands at the sheet's path, the user learns what and where, and
+// the application comes up with the file chosen instead.
+TEST_F(tkLaunchTest, UnusableSheetPathIsNamedWithTheReasonAndTheAppComesUp) {
+    struct Case {
+        const char* name;
+        int (*make)(const char* path);
+        const char* reason;
+    };
+    const Case cases[] = {
+        {"folder", [](const char* p) { return ::mkdir(p, 0700); }, "it is a folder, not a file"},
+        {"pipe", [](const char* p) { return ::mkfifo(p, 0600); },
+         "it is not a regular file (a device, pipe or socket)"},
+        {"device", [](const char* p) { return ::symlink("/dev/zero", p); },
+         "it is not a regular file (a device, pipe or socket)"},
+    };
+    for (const Case& c : cases) {
+        const std::string path = home.path(c.name);
+        ASSERT_EQ(c.make(path.c_str()), 0) << c.name;
+        home.writeText(preferencesPath(), "<tkPreferences><timeSheetFile>" + path +
+                                              "</timeSheetFile></tkPreferences>");
+        EXPECT_EQ(
+            inChild([&] {
+                frontEnd.scriptAnswer({tkTSErrorAnswer::Action::CreateNew, home.path("fresh.txt")});
+                testing::internal::CaptureStderr();
+                launch();
+                testing::internal::GetCapturedStderr();
+                const auto dialogs = frontEnd.eventsOf(Kind::ErrorDialog);
+                ASSERT_EQ(dialogs.size(), 1u);
+                EXPECT_EQ(dialogs[0].message, "Cannot read " + path + ": " + c.reason + ".");
+                EXPECT_EQ(frontEnd.eventsOf(Kind::ErrorWindow).size(), 1u);
+                EXPECT_EQ(frontEnd.eventsOf(Kind::LoadTimeSheet).size(), 1u);
+            }),
+            0)
+            << c.name;
+    }
+}
+
+TEST_F(tkLaunchTest, LaunchSweepsOnlyTheTemporariesOfKilledProcesses) {
+    const pid_t gone = ::fork();
+    if (gone == 0) {
+        ::_exit(0);
+    }
+    ::waitpid(gone, nullptr, 0);
+    const std::string dead = ".tkw." + std::to_string(gone);
+    const std::string live = ".tkw." + std::to_string(::getpid());
+    const std::string folder = home.supportFolder() + "/.";
+    const std::vector<std::string> swept = {folder + "Chronolet Timers.txt" + dead,
+                                            folder + "Chronolet Preferences.txt" + dead + ".2",
+                                            folder + "Test User's Time Sheet.txt" + dead};
+    for (const std::string& path : swept) {
+        home.writeText(path, "half a save");
+    }
+    home.writeText(folder + "Chronolet Timers.txt" + live, "a save in progress");
+    launch();
+    for (const std::string& path : swept) {
+        EXPECT_FALSE(home.exists(path)) << path;
+    }
+    EXPECT_TRUE(home.exists(folder + "Chronolet Timers.txt" + live));
+}
+
 // ---- a second copy of the program ----
 
 TEST_F(tkLaunchTest, SecondCopyIsLockedOutAndTheFirstGoesOnUndisturbed) {

@@ -40,6 +40,8 @@ struct tkFileFaults {
 
     // What happened, for tests that prove something was not touched.
     int32_t writes = 0;
+    // The files that replaceFile wrote, in order.
+    std::vector<std::string> replaced;
     int32_t creates = 0;
     // Lock takes of either kind.
     int32_t openLockedCalls = 0;
@@ -167,6 +169,7 @@ class tkFaultyFileManager : public tkFileManager {
             ++_faults->creates;
         }
         _inner.replaceFile(file, contents);
+        _faults->replaced.push_back(file.path());
     }
 
     tkLockAttempt lockFile(const std::string& path, int32_t waitMillis) override {
