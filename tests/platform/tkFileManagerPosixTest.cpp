@@ -333,12 +333,7 @@ TEST_F(tkFileManagerPosixTest, LockFileTriesOnceOrWaitsForTheHolderToLetGo) {
 }
 
 TEST_F(tkFileManagerPosixTest, SweepRemovesOnlyTheTemporariesOfDeadProcesses) {
-    const pid_t dead = ::fork();
-    if (dead == 0) {
-        ::_exit(0);
-    }
-    ::waitpid(dead, nullptr, 0);
-    const std::string deadPid = std::to_string(dead);
+    const std::string deadPid = std::to_string(endedProcessId());
     const std::string livePid = std::to_string(::getpid());
     for (const std::string& name :
          {".sheet.txt.tkw." + deadPid, ".sheet.txt.tkw." + deadPid + ".3",

@@ -287,12 +287,7 @@ TEST_F(tkLaunchTest, UnusableSheetPathIsNamedWithTheReasonAndTheAppComesUp) {
 }
 
 TEST_F(tkLaunchTest, LaunchSweepsOnlyTheTemporariesOfKilledProcesses) {
-    const pid_t gone = ::fork();
-    if (gone == 0) {
-        ::_exit(0);
-    }
-    ::waitpid(gone, nullptr, 0);
-    const std::string dead = ".tkw." + std::to_string(gone);
+    const std::string dead = ".tkw." + std::to_string(endedProcessId());
     const std::string live = ".tkw." + std::to_string(::getpid());
     const std::string folder = home.supportFolder() + "/.";
     const std::vector<std::string> swept = {folder + "Chronolet Timers.txt" + dead,
