@@ -141,7 +141,7 @@ void readRowsOf(const std::string& path, const std::string& text) {
     try {
         tkTimeSheet::instance().readTabbedText(text);
     } catch (const StringFormatException& error) {
-        state().keptAsFound.insert(path);
+        keepAsFound(path);
         // The reason quotes the file's bytes, which may be anything.
         throw StringFormatException("The time sheet " + path + " is badly formatted: " +
                                     quotableExcerpt(error.message(), 160));
@@ -152,7 +152,7 @@ std::string readKeptOnFailure(const tkFile& file) {
     try {
         return tkFileManager::instance().readFile(file);
     } catch (const IOException&) {
-        state().keptAsFound.insert(file.path());
+        keepAsFound(file.path());
         throw;
     }
 }
@@ -176,11 +176,16 @@ std::string setAside(const std::string& path, const std::string& preferred) {
         const std::string candidate = file->directory() + "/" + stem + " (unreadable" +
                                       (n == 1 ? std::string() : " " + std::to_string(n)) + ")" +
                                       extension;
-        if (!manager.exists(*manager.makeFile(candidate)) && manager.moveFile(*file, candidate)) {
+        if (manager.exists(*manager.makeFile(candidate))) {
+            continue;
+        }
+        if (manager.moveFile(*file, candidate)) {
             return candidate;
         }
+        // A free name that still can't be had: no other name will do better.
+        break;
     }
-    state().keptAsFound.insert(path);
+    keepAsFound(path);
     return "";
 }
 
@@ -397,7 +402,11 @@ std::string moveCorruptTimers() {
 }
 
 void keepAsFound(const std::string& path) {
-    state().keptAsFound.insert(path);
+    tkFileManager& manager = tkFileManager::instance();
+    // Where nothing stands there is nothing to keep.
+    if (manager.exists(*manager.makeFile(path))) {
+        state().keptAsFound.insert(path);
+    }
 }
 
 void sweepDataFolderTemporaries() {

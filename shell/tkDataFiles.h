@@ -84,7 +84,7 @@ void saveTimeSheet();
 std::string moveCorruptTimers();
 
 // The file at `path` could not be read: it is kept as it was found, and no
-// save writes it in this run.
+// save writes it in this run. Nothing happens when no file is there.
 void keepAsFound(const std::string& path);
 
 // Removes the temporaries that saves of the timers and preferences files left

@@ -132,31 +132,43 @@ void tkLaunchSequence::loadPreferencesStep() {
 }
 
 void tkLaunchSequence::loadTimersStep() {
-    const std::string path = tkPreferences::instance().timersFile();
-    std::string message = "Chronolet Plus could not read the timer file from " + path;
+    // The file that was read: the present one, or the old one when the
+    // present place held nothing. Only the present one is ever written.
+    const std::string present = tkPreferences::instance().timersFile();
+    const bool fromPresent = tkFileManager::instance().exists(*fileFromPath(present));
+    const std::string path = fromPresent ? present : fileFromPath(timersFilePath(true))->path();
+    std::string title = "Malformed File";
+    std::string message = "Chronolet Plus could not read the timer file from " + path + ".  ";
     try {
         loadTimers();
         return;
     } catch (const IOException& error) {
         // The file itself could not be read, so what it holds is unknown:
         // it stays where it is, untouched.
-        keepAsFound(path);
-        message +=
-            ".  This file has been left where it is, and timer changes are not saved "
-            "until it can be read.  Details of the error: " +
-            error.message();
-    } catch (const tkException& error) {
-        const std::string movedTo = moveCorruptTimers();
-        if (!movedTo.empty()) {
-            message += ".  This file has been moved to " + movedTo + ".";
-        } else {
+        title = "Timers Not Read";
+        if (fromPresent) {
+            keepAsFound(path);
             message +=
-                ".  This file could not be moved; it has been left where it is, and timer "
+                "This file has been left where it is, and timer changes are not saved "
+                "until it can be read.";
+        } else {
+            message += "This file has been left where it is.";
+        }
+        message += "  Details of the error: " + error.message();
+    } catch (const tkException& error) {
+        const std::string movedTo = fromPresent ? moveCorruptTimers() : "";
+        if (!movedTo.empty()) {
+            message += "This file has been moved to " + movedTo + ".";
+        } else if (fromPresent) {
+            message +=
+                "This file could not be moved; it has been left where it is, and timer "
                 "changes are not saved until it is repaired or removed.";
+        } else {
+            message += "This file has been left where it is.";
         }
         message += "  Details of the error: " + error.message();
     }
-    _frontEnd.showErrorDialog(tkException("Malformed File", message), false);
+    _frontEnd.showErrorDialog(tkException(title, message), false);
     // Deliberately attached although the load failed: the timers of this run
     // are saved to a fresh file, where they would otherwise be lost.
     tkAppState::instance().attachTimersHandler();
@@ -235,11 +247,11 @@ void tkLaunchSequence::newTimer() {
 void tkLaunchSequence::applicationWillTerminate() {
     // Written at every orderly exit, changed or not.
     tkTimeSheet::instance().setDirty(true);
-    // The other two are current unless a save failed: this is the last
-    // chance for a change that is still pending.
+    // The other two are current by design, unless a save failed: this is
+    // the last chance for a change that is still pending. Then their
+    // handlers go.
     saveTimers();
     savePreferences();
-    // The other two files are current by design; only their handlers go.
     tkAppState::instance().detachPreferencesHandlers();
     tkAppState::instance().detachTimersHandler();
 }
