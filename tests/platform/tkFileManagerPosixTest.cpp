@@ -12,11 +12,8 @@
 #include <string>
 
 #include "foundation/IOException.h"
-#include "foundation/tkFileWriteException.h"
 #include "platform/tkFilePosix.h"
-#include "platform/tkPosixIO.h"
 #include "tests/platform/tkPlatformTestSupport.h"
-#include "tests/support/tkStdoutCapture.h"
 #include "tests/support/tkTempHome.h"
 
 namespace {
@@ -200,57 +197,7 @@ TEST_F(tkFileManagerPosixTest, SafeSavePicksALongerTemporaryNameAndLeavesOldOnes
     EXPECT_FALSE(home.exists("d/~~~data"));
 }
 
-// ---- readFile, replaceFile ----
-
-TEST_F(tkFileManagerPosixTest, ReadFileSaysWhatIsWrongWithThePath) {
-    home.writeText("sheet.txt", "rows");
-    home.writeText("folder/x", "");
-    ASSERT_EQ(::mkfifo(home.path("pipe").c_str(), 0600), 0);
-    ASSERT_EQ(::symlink("/dev/zero", home.path("zero").c_str()), 0);
-    home.writeText("huge", "");
-    ASSERT_EQ(::truncate(home.path("huge").c_str(), tkPosixIO::kMaximumFileSize + 1), 0);
-    EXPECT_EQ(manager.readFile(*file("sheet.txt")), "rows");
-    struct Case {
-        const char* name;
-        std::string reason;
-    };
-    const Case cases[] = {
-        {"missing", "No such file or directory"},
-        {"folder", "it is a folder, not a file"},
-        {"pipe", "it is not a regular file (a device, pipe or socket)"},
-        {"zero", "it is not a regular file (a device, pipe or socket)"},
-        {"huge", "it is too large (" + std::to_string(tkPosixIO::kMaximumFileSize + 1) + " bytes)"},
-    };
-    for (const Case& c : cases) {
-        tkStdoutCapture out;
-        try {
-            manager.readFile(*file(c.name));
-            ADD_FAILURE() << "no exception for " << c.name;
-        } catch (const IOException& e) {
-            EXPECT_EQ(e.message(), "Cannot read " + home.path(c.name) + ": " + c.reason + ".");
-        }
-    }
-}
-
-TEST_F(tkFileManagerPosixTest, ReplaceFileCreatesOrReplacesWholeAndSaysWhyNot) {
-    home.writeText("d/secret", "old");
-    ::chmod(home.path("d/secret").c_str(), 0600);
-    manager.replaceFile(*file("d/secret"), "new");
-    manager.replaceFile(*file("d/fresh"), "made");
-    EXPECT_EQ(home.readText("d/secret"), "new");
-    EXPECT_EQ(permissionsOf(home.path("d/secret")), 0600u);
-    EXPECT_EQ(home.readText("d/fresh"), "made");
-    EXPECT_EQ(sortedEntries("d"), (std::vector<std::string>{"fresh", "secret"}));
-
-    tkStdoutCapture out;
-    try {
-        manager.replaceFile(*file("d"), "over a folder");
-        FAIL() << "no exception";
-    } catch (const tkFileWriteException& e) {
-        EXPECT_EQ(e.message(),
-                  "Could not save " + home.path("d") + ": it is a folder, not a file.");
-    }
-}
+// ---- replaceFile ----
 
 // While a save writes a big file, its temporary never shows anyone more than
 // the finished file will: it has the target's permissions from its first byte.
@@ -288,7 +235,7 @@ TEST_F(tkFileManagerPosixTest, TemporariesNeverShowWiderPermissionsThanTheTarget
     EXPECT_GT(seen[1], 0) << "no temporary of safeSave was caught in flight";
 }
 
-// ---- lockFile, sweepTemporaries ----
+// ---- lockFile ----
 
 TEST_F(tkFileManagerPosixTest, LockFileTriesOnceOrWaitsForTheHolderToLetGo) {
     const std::string lock = home.path(".data.lock");
@@ -323,29 +270,6 @@ TEST_F(tkFileManagerPosixTest, LockFileTriesOnceOrWaitsForTheHolderToLetGo) {
     EXPECT_NE(::fcntl(waited.fd, F_GETFD) & FD_CLOEXEC, 0) << "a forked child must not inherit it";
     manager.closeLocked(waited.fd);
     ::waitpid(holder, nullptr, 0);
-
-    // A link planted at the name must not lead the lock file elsewhere.
-    ASSERT_EQ(::symlink(home.path("elsewhere").c_str(), home.path(".planted.lock").c_str()), 0);
-    const tkLockAttempt planted = manager.lockFile(home.path(".planted.lock"), 0);
-    EXPECT_EQ(planted.fd, -1);
-    EXPECT_FALSE(planted.heldElsewhere);
-    EXPECT_FALSE(home.exists("elsewhere"));
-}
-
-TEST_F(tkFileManagerPosixTest, SweepRemovesOnlyTheTemporariesOfDeadProcesses) {
-    const std::string deadPid = std::to_string(endedProcessId());
-    const std::string livePid = std::to_string(::getpid());
-    for (const std::string& name :
-         {".sheet.txt.tkw." + deadPid, ".sheet.txt.tkw." + deadPid + ".3",
-          ".sheet.txt.tkw." + livePid, ".other.txt.tkw." + deadPid, ".sheet.txt.tkw.x" + deadPid,
-          std::string("sheet.txt"), std::string(".sheet.txt.lock")}) {
-        home.writeText("d/" + name, "");
-    }
-    EXPECT_EQ(manager.sweepTemporaries(home.path("d"), {"sheet.txt"}), 2);
-    EXPECT_EQ(sortedEntries("d"),
-              (std::vector<std::string>{".other.txt.tkw." + deadPid, ".sheet.txt.lock",
-                                        ".sheet.txt.tkw." + livePid, ".sheet.txt.tkw.x" + deadPid,
-                                        "sheet.txt"}));
 }
 
 // ---- openLocked, closeLocked ----

@@ -103,14 +103,6 @@ TEST(tkFilePosixWrite, WritesThroughSymlinkAndKeepsTheLink) {
     EXPECT_EQ(home.readText("target.txt"), "new");
 }
 
-TEST(tkFilePosixRead, NeverBlocksOnAPipeOrReadsADeviceForever) {
-    tkTempHome home;
-    ASSERT_EQ(::mkfifo(home.path("pipe").c_str(), 0600), 0);
-    ASSERT_EQ(::symlink("/dev/zero", home.path("zero").c_str()), 0);
-    EXPECT_EQ(tkFilePosix(home.path("pipe")).read(), "");
-    EXPECT_EQ(tkFilePosix(home.path("zero")).read(), "");
-}
-
 // Who may replace what, as an ordinary user sees it: a file is replaced only
 // by a whole new copy that everyone who used it can still use, and otherwise
 // left exactly as it was, never rewritten in place.

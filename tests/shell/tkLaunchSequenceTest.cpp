@@ -4,8 +4,6 @@
 #include <signal.h>
 #include <sys/stat.h>
 
-#include <algorithm>
-
 #include "foundation/tkNotificationNames.h"
 #include "foundation/tkTagParser.h"
 #include "preferences/tkPreferences.h"
@@ -13,7 +11,6 @@
 #include "shell/tkAppState.h"
 #include "shell/tkDataFiles.h"
 #include "shell/tkDataLocks.h"
-#include "shell/tkErrorReporting.h"
 #include "tests/platform/tkPlatformTestSupport.h"
 #include "tests/shell/tkShellTestSupport.h"
 #include "timers/tkHeadlessTimerUI.h"
@@ -142,26 +139,6 @@ TEST_F(tkLaunchTest, MalformedTimersFileIsMovedAsideAndReported) {
     EXPECT_NE(saved->find("Kept after the recovery"), std::string::npos) << *saved;
 }
 
-TEST_F(tkLaunchTest, MalformedTimersFileGoesToTheDataFolderWhenTmpIsTaken) {
-    tkCorruptTimersGuard guard;
-    guard.plant("left by an earlier crash, or by another user");
-    home.writeText(timersPath(), "<timerArray>");
-    testing::internal::CaptureStderr();
-    launch();
-    testing::internal::GetCapturedStderr();
-
-    const std::string movedTo = home.supportFolder() + "/Chronolet Timers (unreadable).txt";
-    EXPECT_EQ(guard.contents(), "left by an earlier crash, or by another user");
-    EXPECT_EQ(home.readText(movedTo), "<timerArray>") << "never deleted";
-    const auto dialogs = frontEnd.eventsOf(Kind::ErrorDialog);
-    ASSERT_EQ(dialogs.size(), 1u);
-    EXPECT_EQ(dialogs[0].message,
-              "Chronolet Plus could not read the timer file from " + timersPath() +
-                  ".  This file has been moved to " + movedTo +
-                  ".  Details of the error: File has unmatched timerArray tag.");
-    EXPECT_EQ(tkTimerArray::instance().numTimers(), 1u);
-}
-
 // A broken preferences file is kept under a free name and named in the
 // message; the defaults are used and saved without touching it.
 TEST_F(tkLaunchTest, BadPreferencesAreSetAsideNamedAndDefaultsUsed) {
@@ -183,32 +160,6 @@ TEST_F(tkLaunchTest, BadPreferencesAreSetAsideNamedAndDefaultsUsed) {
     EXPECT_NE(home.readText(preferencesPath())->find("false"), std::string::npos);
     EXPECT_EQ(home.readText(keptAs), broken);
     EXPECT_EQ(tkTimerArray::instance().numTimers(), 1u);
-}
-
-// Files that can be read but not written: the launch and every later change
-// go on, each file's failure told once with its reason, nothing thrown.
-TEST_F(tkLaunchTest, ReadOnlyTimersAndPreferencesAreReportedNotThrown) {
-    std::vector<std::string> reports;
-    setErrorReporter([&](const tkException& e) { reports.push_back(e.message()); });
-    home.writeText(timersPath(), timersText({"A"}));
-    home.writeText(preferencesPath(), "<tkPreferences></tkPreferences>");
-    ::chmod(timersPath().c_str(), 0444);
-    ::chmod(preferencesPath().c_str(), 0444);
-    ASSERT_NO_THROW(launchFaulty([](tkFileFaults& faults) { faults.honourModeBits = true; }));
-    EXPECT_NO_THROW(tkTimerArray::instance().timerAt(0)->setTitle("B"));
-    EXPECT_NO_THROW(tkPreferences::instance().setSingleWindowMode(false));
-    EXPECT_NO_THROW(sequence->terminate());
-    ASSERT_EQ(reports.size(), 2u);
-    for (const std::string& path : {timersPath(), preferencesPath()}) {
-        EXPECT_EQ(std::count(reports.begin(), reports.end(),
-                             "Could not save " + path +
-                                 ": Permission denied. The change is kept, and is written at the "
-                                 "next save that works."),
-                  1)
-            << path;
-    }
-    EXPECT_EQ(home.readText(timersPath()), timersText({"A"}));
-    setErrorReporter(nullptr);
 }
 
 TEST_F(tkLaunchTest, BadlyFormattedSheetShowsModalDialogThenReadWindow) {

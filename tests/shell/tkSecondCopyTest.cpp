@@ -28,11 +28,6 @@ std::shared_ptr<tkRecord> record(const std::string& description) {
 }
 
 TEST_F(tkSecondCopyTest, NoOtherProcessGetsTheSheetWhileItsOwnerSavesOverAndOver) {
-    std::string rows;
-    for (int i = 0; i < 200; ++i) {
-        rows += row("base" + std::to_string(i));
-    }
-    home.writeText(sheetPath(), rows);
     int ready[2];
     ASSERT_EQ(::pipe(ready), 0);
     const pid_t owner = ::fork();
