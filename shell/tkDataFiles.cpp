@@ -110,8 +110,8 @@ bool writeDataFile(const std::string& path, Guard guard,
     try {
         if (state().keptAsFound.count(path) != 0) {
             throw IOException("Chronolet Plus could not read " + path +
-                              ", and keeps it as it was found: it is not written over until it "
-                              "is repaired or removed, or another file is chosen.");
+                              " and keeps it as it was found: it is not written over while this "
+                              "copy runs.");
         }
         if (guard == Guard::DataFolder) {
             requireDataFolderLock(path);
@@ -240,7 +240,7 @@ std::string setAsideUnreadablePreferences(const tkException& error) {
     } else {
         message += "The file has been left where it is, and the default settings are used";
         message += state().keptAsFound.count(path) != 0
-                       ? "; changes to the settings are not saved until it is repaired or removed."
+                       ? "; changes to the settings are not saved while this copy runs."
                        : ".";
     }
     return message + "  Details of the error: " + error.message();

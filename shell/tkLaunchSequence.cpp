@@ -150,7 +150,7 @@ void tkLaunchSequence::loadTimersStep() {
             keepAsFound(path);
             message +=
                 "This file has been left where it is, and timer changes are not saved "
-                "until it can be read.";
+                "while this copy runs.";
         } else {
             message += "This file has been left where it is.";
         }
@@ -162,7 +162,7 @@ void tkLaunchSequence::loadTimersStep() {
         } else if (fromPresent) {
             message +=
                 "This file could not be moved; it has been left where it is, and timer "
-                "changes are not saved until it is repaired or removed.";
+                "changes are not saved while this copy runs.";
         } else {
             message += "This file has been left where it is.";
         }
