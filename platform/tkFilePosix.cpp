@@ -1,14 +1,8 @@
 #include "platform/tkFilePosix.h"
 
-#include <fcntl.h>
 #include <pwd.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <cerrno>
-#include <climits>
-#include <cstdlib>
-#include <cstring>
 #include <iostream>
 
 #include "platform/tkPosixIO.h"
