@@ -6,6 +6,7 @@
 #include "preferences/tkPreferences.h"
 #include "records/tkRecord.h"
 #include "shell/tkDataFiles.h"
+#include "shell/tkDataLocks.h"
 #include "tests/shell/tkShellTestSupport.h"
 #include "timesheet/tkTimeSheet.h"
 
@@ -51,7 +52,7 @@ class tkTimeSheetLocationTest : public tkShellTest {
     // True when nobody holds the lock on the file.
     static bool unlocked(const std::string& path) {
         tkFileManagerPosix probe;
-        const int32_t fd = probe.openLocked(path, 0);
+        const int32_t fd = probe.lockFile(timeSheetLockPath(path), 0).fd;
         if (fd >= 0) {
             probe.closeLocked(fd);
         }

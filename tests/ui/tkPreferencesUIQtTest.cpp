@@ -16,6 +16,7 @@
 #include "preferences/tkPreferences.h"
 #include "shell/tkAppState.h"
 #include "shell/tkDataFiles.h"
+#include "shell/tkDataLocks.h"
 #include "shell/tkTimeSheetLocation.h"
 #include "tests/ui/tkUiCoreHome.h"
 #include "timesheet/tkTimeSheet.h"
@@ -62,7 +63,7 @@ class tkPreferencesUIQtTest : public ::testing::Test {
     // True while this process holds the lock of the file.
     static bool held(const std::string& path) {
         tkFileManagerPosix probe;
-        const int32_t fd = probe.openLocked(path, 0);
+        const int32_t fd = probe.lockFile(timeSheetLockPath(path), 0).fd;
         probe.closeLocked(fd);
         return fd < 0;
     }
