@@ -1,6 +1,7 @@
 // The time sheet file is rewritten whole at every change, so its costs grow with a user's
 // years of entries. Each cost is measured over generated sheets of 1,000, 10,000 and 100,000
 // rows, with the growth fitted (none may grow faster than n log n):
+//  - the resident memory that a read sheet takes per row, in a fresh process;
 //  - reading a file text into an empty sheet, with the process's peak resident size;
 //  - writing the whole text;
 //  - adding one entry at its sorted place and writing the text, as every add does;
@@ -11,6 +12,7 @@
 #include <memory>
 #include <string>
 
+#include "bench/tkBenchProcess.h"
 #include "bench/tkTimeSheetBenchData.h"
 #include "records/tkRecord.h"
 #include "records/tkRecordText.h"
@@ -31,7 +33,35 @@ std::unique_ptr<tkTimeSheet> filledSheet(int64_t rows) {
     return sheet;
 }
 
-// Registered first, so that the process's peak resident size is that of this reading.
+// Resident memory after the read minus before, per row, with the text that the first save
+// writes made: the state that a user works in. Measured in a child that has done nothing
+// else, so that no memory freed by earlier work is reused.
+void BM_MemoryPerRow(benchmark::State& state) {
+    const int64_t rows = state.range(0);
+    double bytesPerRow = -1;
+    for (auto _ : state) {
+        const ChildReport child = inChild(1, [rows](int fd) {
+            const std::string text = generatedTimeSheetText(rows);
+            const double before = residentBytes();
+            tkTimeSheet sheet;
+            sheet.readTabbedText(text);
+            {
+                const std::string saved = sheet.tabbedText();
+                benchmark::DoNotOptimize(saved.data());
+            }
+            report(fd, {sheet.rowCount() == rows ? (residentBytes() - before) / rows : -1.0});
+        });
+        if (child.values.empty() || child.values[0] < 0) {
+            state.SkipWithError("the child did not read the rows");
+            break;
+        }
+        bytesPerRow = child.values[0];
+    }
+    state.counters["bytes_per_row"] = bytesPerRow;
+}
+BENCHMARK(BM_MemoryPerRow)->Arg(100000)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+// Registered early, so that the process's peak resident size is that of this reading.
 void BM_ReadTabbedText(benchmark::State& state) {
     const std::string text = generatedTimeSheetText(state.range(0));
     for (auto _ : state) {
