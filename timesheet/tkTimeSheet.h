@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "foundation/tkNotificationCenter.h"
+#include "timesheet/tkGapBuffer.h"
+#include "timesheet/tkGroupStarts.h"
 #include "timesheet/tkTimeSheetTypes.h"
 
 class tkCompoundInsert;
@@ -58,7 +60,7 @@ class tkTimeSheet : public tkObserver {
     const std::string& sortBy() const { return sortBy_; }
     bool isDirty() const { return dirty_; }
     // A copy of the row vector; the records are shared, not copied.
-    tkRecordRows rows() const { return rows_; }
+    tkRecordRows rows() const { return rows_.toVector(); }
     // At-checked: std::out_of_range for a row past the end.
     std::shared_ptr<tkRecord> recordAtRow(uint32_t row) const;
     // The record's field of that name (null for an unknown name); the row is at-checked.
@@ -94,7 +96,7 @@ class tkTimeSheet : public tkObserver {
     uint32_t rowOfGroupEntry(uint32_t g, uint32_t k) const;
     std::shared_ptr<tkRecord> recordInGroup(uint32_t g, uint32_t k) const;
     std::unique_ptr<tkDuration> totalDurationOfGroup(uint32_t g) const;
-    const std::vector<uint32_t>& groupStarts() const { return groupStarts_; }
+    const std::vector<uint32_t>& groupStarts() const { return groupStarts_.values(); }
 
     // ---- User operations: each is one undo step ----
 
@@ -146,6 +148,36 @@ class tkTimeSheet : public tkObserver {
     // Every child named "record" of node, in child order and unsorted, with the changes and
     // posts of addRecords; nothing goes on the undo stack.
     void addRecordsFromTags(const tkTagNode& node);
+
+    // ---- Changes of many steps ----
+    //
+    // One user action can change many rows: a compound edit between its brackets, its undo or
+    // redo, a paste or a load with the reading of its lines, the edit of one cell (which marks
+    // the sheet dirty twice). Such an action is a bulk change. The data layer holds back its
+    // saves while one is open, and when the outermost one ends the sheet posts "Time sheet
+    // bulk change ended.", at which the data layer writes once what changed. So an action of
+    // many rows costs one write of each file, and every change is still on disk before the
+    // action returns.
+
+    bool isInBulkChange() const { return bulkChanges_ > 0; }
+
+    // A bulk change of a sheet, open from construction to end(). A null sheet is allowed and
+    // does nothing.
+    class BulkChange {
+      public:
+        explicit BulkChange(tkTimeSheet* sheet);
+        // Closes it; the outermost one posts "Time sheet bulk change ended.", where the data
+        // layer saves, so this may throw what a save throws.
+        void end();
+        // Without end(), as when an exception passes, it closes without a post: what changed
+        // stays dirty and the next save writes it.
+        ~BulkChange();
+        BulkChange(const BulkChange&) = delete;
+        BulkChange& operator=(const BulkChange&) = delete;
+
+      private:
+        tkTimeSheet* sheet_;
+    };
 
     // ---- Raw operations ----
 
@@ -199,6 +231,7 @@ class tkTimeSheet : public tkObserver {
     void recordWasEdited(const tkNotification& note);
     void postSheetNote(const tkNotification& note);
     tkRecordRows parseLines(const std::string& text, bool displayDates) const;
+    std::vector<uint32_t> addTextAsStep(const std::string& text, bool displayDates);
     void sortRecords(tkRecordRows& records) const;
     // inSheetOrder: the records are in the sheet's order, as sortRecords leaves them.
     void insertWithoutUndo(const tkRecordRows& records, bool inSheetOrder);
@@ -211,11 +244,12 @@ class tkTimeSheet : public tkObserver {
 
     std::unique_ptr<tkUndoManager> undoManager_;
     std::string sortBy_;
-    tkRecordRows rows_;
-    std::vector<uint32_t> groupStarts_;
+    tkGapBuffer<std::shared_ptr<tkRecord>> rows_;
+    tkGroupStarts groupStarts_;
     tkRowSelection selection_;
     bool dirty_ = false;
     SortKind sortKind_ = SortKind::kNone;
+    uint32_t bulkChanges_ = 0;
 
     // The records that insertRecord took in, each with the number of times it did. The sheet
     // observes "Record was edited." from any sender once, and reacts for these records only,
@@ -233,6 +267,7 @@ class tkTimeSheet : public tkObserver {
     std::unordered_map<const void*, ObservedRecord> observedRecords_;
 
     const tkNotification becameDirtyNote_;
+    const tkNotification bulkChangeEndedNote_;
     const tkNotification selectionChangedNote_;
     const tkNotification sortByChangedNote_;
 };

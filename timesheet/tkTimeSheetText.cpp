@@ -1,0 +1,220 @@
+// The sheet's text forms: the file and clipboard text, and the readers that add rows from a
+// file text, a paste or tagged text.
+#include <array>
+#include <iostream>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+#include "foundation/tkNotificationNames.h"
+#include "foundation/tkTagNode.h"
+#include "records/tkRecord.h"
+#include "records/tkRecordFields.h"
+#include "records/tkRecordText.h"
+#include "timesheet/tkCompoundInsert.h"
+#include "timesheet/tkInsertCommand.h"
+#include "timesheet/tkTimeSheet.h"
+#include "timesheet/tkUndoManager.h"
+
+namespace {
+
+// Splits at every separator; the pieces between them may be empty, and a text that ends in
+// the separator has an empty last piece.
+std::vector<std::string_view> splitAt(std::string_view text, char separator) {
+    std::vector<std::string_view> pieces;
+    size_t start = 0;
+    while (true) {
+        size_t end = text.find(separator, start);
+        if (end == std::string_view::npos) {
+            pieces.push_back(text.substr(start));
+            return pieces;
+        }
+        pieces.push_back(text.substr(start, end - start));
+        start = end + 1;
+    }
+}
+
+void appendTabLine(std::string& out, const tkRecord& record) {
+    // The same bytes as toTabLine(record, false), appended in place: the file is rewritten
+    // at every change, and a temporary string per row is the larger part of the cost.
+    out += record.date()->toString();
+    out += '\t';
+    out += record.duration()->toString();
+    out += '\t';
+    out += record.employee()->toString();
+    out += '\t';
+    out += record.jobNumber()->toString();
+    out += '\t';
+    out += record.feeCode()->toString();
+    out += '\t';
+    out += record.description()->toString();
+    out += '\n';
+}
+
+}  // namespace
+
+std::string tkTimeSheet::tabbedText() const {
+    std::string text;
+    // A row line is rarely longer than this; the string grows geometrically when it is.
+    text.reserve(rows_.size() * 64);
+    rows_.forEach(
+        [&text](const std::shared_ptr<tkRecord>& record) { appendTabLine(text, *record); });
+    return text;
+}
+
+std::string tkTimeSheet::selectedRowsAsTabbedText(bool useDisplayDate) const {
+    std::string text;
+    for (uint32_t row : *selection_) {
+        text += toTabLine(*rows_.at(row), useDisplayDate);
+        text += '\n';
+    }
+    return text;
+}
+
+void tkTimeSheet::dump(std::string& text) const {
+    text = tabbedText();
+    std::cout << "Time Sheet:\n" << text << "\n";
+    std::cout.flush();
+}
+
+std::vector<uint32_t> tkTimeSheet::pasteText(const std::string& text) {
+    return addTextAsStep(text, true);
+}
+
+std::vector<uint32_t> tkTimeSheet::addTabbedText(const std::string& text) {
+    return addTextAsStep(text, false);
+}
+
+std::vector<uint32_t> tkTimeSheet::addTextAsStep(const std::string& text, bool displayDates) {
+    // From the first line read (its new codes join the known lists) to the step on the stack.
+    BulkChange bulk(this);
+    std::unique_ptr<tkCompoundInsert> compound = addRecordsFromText(text, displayDates);
+    std::vector<uint32_t> rows = compound->insertedRows();
+    undoManager_->addEdit(std::move(compound));
+    bulk.end();
+    return rows;
+}
+
+// ---- Readers ----
+
+void tkTimeSheet::readTabbedText(const std::string& text) {
+    // The load is deliberately no undo step, so it keeps no commands: the same changes and
+    // posts as addRecordsFromText, without the memory of a step nobody can take back.
+    BulkChange bulk(this);
+    insertWithoutUndo(parseLines(text, false), true);
+    bulk.end();
+}
+
+std::unique_ptr<tkCompoundInsert> tkTimeSheet::addRecordsFromText(const std::string& text,
+                                                                  bool displayDates) {
+    return addRecords(parseLines(text, displayDates));
+}
+
+tkRecordRows tkTimeSheet::parseLines(const std::string& text, bool displayDates) const {
+    std::vector<std::string_view> lines = splitAt(text, '\n');
+    if (lines.size() == 1) {
+        // A file with carriage returns as line ends, or one line ending in one.
+        std::vector<std::string_view> byReturns = splitAt(text, '\r');
+        if (byReturns.size() >= 2) {
+            lines = std::move(byReturns);
+        }
+    }
+    // Every line is parsed before the first row goes in, so a bad line adds nothing.
+    tkRecordRows records;
+    records.reserve(lines.size());
+    for (std::string_view line : lines) {
+        if (line.empty()) {
+            continue;
+        }
+        records.push_back(sharedFromTabLine(line, displayDates));
+    }
+    sortRecords(records);
+    return records;
+}
+
+std::unique_ptr<tkCompoundInsert> tkTimeSheet::addRecords(const tkRecordRows& records) {
+    reserveRows(records.size());
+    auto compound = std::make_unique<tkCompoundInsert>(*this);
+    std::vector<uint32_t> rows;
+    rows.reserve(records.size());
+    // Each new entry lands behind its equals and behind every entry before it in the sorted
+    // list, so no later insertion shifts a row already noted.
+    for (const auto& record : records) {
+        auto command = std::make_unique<tkInsertCommand>(*this, record);
+        rows.push_back(command->row());
+        compound->addEdit(std::move(command));
+    }
+    compound->setInsertedRows(rows);
+    dirty_ = true;
+    postSheetNote(becameDirtyNote_);
+    compound->end();
+    return compound;
+}
+
+void tkTimeSheet::insertWithoutUndo(const tkRecordRows& records, bool inSheetOrder) {
+    // Step for step what addRecords does through its commands, post for post.
+    reserveRows(records.size());
+    tkNotificationCenter& center = tkNotificationCenter::instance();
+    center.postNotification(tkNotification(kTimeSheetBeganCompoundEdit, this, 0));
+    setSelection(makeRowSelection({}));
+    std::vector<uint32_t> rows;
+    rows.reserve(records.size());
+    // Into an empty sheet a list in the sheet's order goes row after row to the end: no record
+    // sorts before one ahead of it, so the search would answer the end every time, at a cache
+    // miss per step on a big load. That holds only while the rows are exactly the ones this
+    // load put there under the same key, so any other change made meanwhile (by an observer
+    // of a post) falls back to the search.
+    const bool startedEmpty = inSheetOrder && rows_.empty();
+    const std::string key = sortBy_;
+    const tkRecord* previous = nullptr;
+    // Each row's selection is posted on its own, as the commands would set it. Those one-row
+    // vectors are reused instead of allocated per row, but only once nobody else holds one,
+    // and two take turns, so every post still hands out a fresh selection that is never
+    // edited afterwards while anyone can see it.
+    std::array<std::shared_ptr<std::vector<uint32_t>>, 2> oneRowSelections;
+    size_t turn = 0;
+    for (const auto& record : records) {
+        if (!record) {
+            throw std::invalid_argument("insertRecord: null record");
+        }
+        const bool appendsInOrder = startedEmpty && rows_.size() == rows.size() && sortBy_ == key &&
+                                    (rows_.empty() || rows_.back().get() == previous);
+        const uint32_t row =
+            appendsInOrder ? insertRecordAt(record, rowCount()) : insertRecord(record);
+        previous = record.get();
+        rows.push_back(row);
+        std::shared_ptr<std::vector<uint32_t>>& oneRow = oneRowSelections[turn];
+        turn ^= 1;
+        if (oneRow && oneRow.use_count() == 1) {
+            oneRow->front() = row;
+        } else {
+            oneRow = std::make_shared<std::vector<uint32_t>>(1, row);
+        }
+        setSelection(oneRow);
+    }
+    setSelection(makeRowSelection(std::move(rows)));
+    dirty_ = true;
+    postSheetNote(becameDirtyNote_);
+    center.postNotification(tkNotification(kTimeSheetEndedCompoundEdit, this, 0));
+}
+
+void tkTimeSheet::reserveRows(size_t more) {
+    // A load of years of entries would otherwise grow the row vector by doubling, and hold
+    // the old and the new block at once.
+    rows_.reserve(rows_.size() + more);
+    observedRecords_.reserve(observedRecords_.size() + more);
+}
+
+void tkTimeSheet::addRecordsFromTags(const tkTagNode& node) {
+    BulkChange bulk(this);
+    tkRecordRows records;
+    for (int32_t i = 0; i < node.childCount(); ++i) {
+        const tkTagNode* child = node.childAt(i);
+        if (child->name() == kRecordElement) {
+            records.push_back(recordFromTag(*child));
+        }
+    }
+    // Nothing goes on the stack, so nothing needs keeping; the list stays unsorted.
+    insertWithoutUndo(records, false);
+    bulk.end();
+}
