@@ -186,8 +186,8 @@ void saveTimeSheet() {
     const std::string path = tkPreferences::instance().timeSheetFile();
     const std::unique_ptr<tkFile> file = writableFile(path);
     // Built before the lock is dropped, so that the unlocked moment is only
-    // as long as the write.
-    const std::string text = sheet.tabbedText();
+    // as long as the write. The sheet keeps the text between saves.
+    const std::string& text = sheet.fileText();
     dropTimeSheetLock();
     file->write(text);
     // A failure here leaves the text on disk and the flag set: the next

@@ -223,15 +223,18 @@ uint32_t tkTimeSheet::insertRecord(std::shared_ptr<tkRecord> record) {
         throw std::invalid_argument("insertRecord: null record");
     }
     const uint32_t row = insertionRow(*record);
-    return insertRecordAt(std::move(record), row);
+    return insertRecordAt(std::move(record), row, true);
 }
 
-uint32_t tkTimeSheet::insertRecordAt(std::shared_ptr<tkRecord> record, uint32_t row) {
+uint32_t tkTimeSheet::insertRecordAt(std::shared_ptr<tkRecord> record, uint32_t row, bool observe) {
     rows_.insert(row, record);
     updateGroupsAfterInsert(row);
-    ObservedRecord& observed = observedRecords_[record.get()];
-    observed.record = std::move(record);
-    ++observed.times;
+    spliceLineIn(row);
+    // Every record that enters the rows is known, so that an edit of it renews the file
+    // text; only those taken in by insertRecord mark the sheet dirty when edited.
+    ObservedRecord& known = observedRecords_[record.get()];
+    known.record = std::move(record);
+    known.times += observe ? 1 : 0;
     dirty_ = true;
     postSheetNote(becameDirtyNote_);
     return row;
@@ -244,10 +247,7 @@ void tkTimeSheet::insertRecordAtRow(std::shared_ptr<tkRecord> record, uint32_t r
     if (row > rows_.size()) {
         throw std::out_of_range("insertRecordAtRow: row out of range");
     }
-    rows_.insert(row, std::move(record));
-    updateGroupsAfterInsert(row);
-    dirty_ = true;
-    postSheetNote(becameDirtyNote_);
+    insertRecordAt(std::move(record), row, false);
 }
 
 std::shared_ptr<tkRecord> tkTimeSheet::removeRecordAtRow(uint32_t row) {
@@ -260,6 +260,7 @@ std::shared_ptr<tkRecord> tkTimeSheet::removeRecordAtRow(uint32_t row) {
     }
     std::shared_ptr<tkRecord> record = rows_.erase(row);
     updateGroupsAfterRemove(row);
+    spliceLineOut(row);
     dirty_ = true;
     postSheetNote(becameDirtyNote_);
     // The record stays observed, on purpose: it may come back through undo, and is then still
@@ -274,6 +275,7 @@ std::shared_ptr<tkStringConvertible> tkTimeSheet::setItem(uint32_t row,
     // The record's own post marks the sheet dirty too: one save for both.
     BulkChange bulk(this);
     std::shared_ptr<tkStringConvertible> old = rows_.at(row)->setField(fieldName, text);
+    dropFileText();
     dirty_ = true;
     postSheetNote(becameDirtyNote_);
     bulk.end();
@@ -299,12 +301,13 @@ void tkTimeSheet::setDirty(bool flag) {
 }
 
 void tkTimeSheet::recordWasEdited(const tkNotification& note) {
-    const auto observed = observedRecords_.find(note.sender());
-    if (observed == observedRecords_.end()) {
+    const auto known = observedRecords_.find(note.sender());
+    if (known == observedRecords_.end()) {
         return;
     }
+    dropFileText();
     // Once for every time the record was taken in, as that many registrations would.
-    for (uint32_t i = observed->second.times; i > 0; --i) {
+    for (uint32_t i = known->second.times; i > 0; --i) {
         dirty_ = true;
         postSheetNote(becameDirtyNote_);
     }

@@ -82,6 +82,15 @@ class tkTimeSheet : public tkObserver {
 
     // The whole file: each row's tab line (stored date form) and a line feed; "" when empty.
     std::string tabbedText() const;
+    // The same text without a copy, kept between saves so that a save after a small change
+    // doesn't build it anew: a row that comes or goes is spliced in or out, and only a change
+    // of many rows, a re-sort, an edit of a row's record or a renamed billing code makes it be
+    // built again when next asked for. The reference stays valid until the sheet changes.
+    //
+    // A record's text changes only through its setters (which post "Record was edited.") or
+    // by a rename in the known code lists; a record changed behind the sheet's back any other
+    // way is not seen here.
+    const std::string& fileText() const;
     // The clipboard text: each row of the selection in selection order, as a tab line and a
     // line feed; with useDisplayDate the date is in the user's form.
     std::string selectedRowsAsTabbedText(bool useDisplayDate) const;
@@ -235,9 +244,13 @@ class tkTimeSheet : public tkObserver {
     void sortRecords(tkRecordRows& records) const;
     // inSheetOrder: the records are in the sheet's order, as sortRecords leaves them.
     void insertWithoutUndo(const tkRecordRows& records, bool inSheetOrder);
-    // insertRecord at a row already found.
-    uint32_t insertRecordAt(std::shared_ptr<tkRecord> record, uint32_t row);
+    // insertRecord at a row already found (observe), or insertRecordAtRow.
+    uint32_t insertRecordAt(std::shared_ptr<tkRecord> record, uint32_t row, bool observe);
     void reserveRows(size_t more);
+    // Keep fileText_ in step with a row that was just inserted or removed, before the post.
+    void spliceLineIn(uint32_t row);
+    void spliceLineOut(uint32_t row);
+    void dropFileText() const;
     void rebuildGroups();
     void updateGroupsAfterInsert(uint32_t row);
     void updateGroupsAfterRemove(uint32_t row);
@@ -251,9 +264,10 @@ class tkTimeSheet : public tkObserver {
     SortKind sortKind_ = SortKind::kNone;
     uint32_t bulkChanges_ = 0;
 
-    // The records that insertRecord took in, each with the number of times it did. The sheet
-    // observes "Record was edited." from any sender once, and reacts for these records only,
-    // once per time taken in, as a registration per record would: that would cost a table
+    // Every record that entered the rows, with the number of times insertRecord took it in.
+    // The sheet observes "Record was edited." from any sender once, and reacts for these
+    // records only: an edit renews the file text, and marks the sheet dirty once per time
+    // taken in, as a registration per record would. Those registrations would cost a table
     // entry in the notification center for every row ever added, the larger part of a big
     // sheet's memory.
     //
@@ -265,6 +279,16 @@ class tkTimeSheet : public tkObserver {
         uint32_t times = 0;
     };
     std::unordered_map<const void*, ObservedRecord> observedRecords_;
+
+    // The file text, when fileTextValid_ (an empty sheet's empty text is valid from the
+    // start, so that a load builds it line by line as it goes). fileTextRenames_ is the known
+    // lists' rename count it was built at.
+    mutable std::string fileText_;
+    mutable bool fileTextValid_ = true;
+    mutable uint64_t fileTextRenames_ = 0;
+    // Bytes scanned and moved by splices since fileText() was last asked for. Once building
+    // the whole text would have been cheaper, the text is dropped and built when asked.
+    mutable size_t spliceWork_ = 0;
 
     const tkNotification becameDirtyNote_;
     const tkNotification bulkChangeEndedNote_;

@@ -223,6 +223,7 @@ void tkTimeSheet::resort() {
         newRowOf[order[to]] = static_cast<uint32_t>(to);
     }
     rows_.assign(permuted(rows, order));
+    dropFileText();
     // The selected records stay selected at their new rows, in the old selection order.
     std::vector<uint32_t> selected;
     selected.reserve(selection_->size());
@@ -248,6 +249,7 @@ void tkTimeSheet::resort() {
 
 void tkTimeSheet::restoreRows(const tkRecordRows& rows) {
     rows_.assign(rows);
+    dropFileText();
 }
 
 bool tkTimeSheet::less(const tkRecord& a, const tkRecord& b) const {

@@ -1,5 +1,6 @@
 // The sheet's text forms: the file and clipboard text, and the readers that add rows from a
 // file text, a paste or tagged text.
+#include <algorithm>
 #include <array>
 #include <iostream>
 #include <stdexcept>
@@ -8,6 +9,7 @@
 
 #include "foundation/tkNotificationNames.h"
 #include "foundation/tkTagNode.h"
+#include "records/tkKnownRecordItems.h"
 #include "records/tkRecord.h"
 #include "records/tkRecordFields.h"
 #include "records/tkRecordText.h"
@@ -17,6 +19,9 @@
 #include "timesheet/tkUndoManager.h"
 
 namespace {
+
+// Splicing is always worth it for a small text.
+constexpr size_t kSpliceSlack = 1 << 16;
 
 // Splits at every separator; the pieces between them may be empty, and a text that ends in
 // the separator has an empty last piece.
@@ -51,15 +56,117 @@ void appendTabLine(std::string& out, const tkRecord& record) {
     out += '\n';
 }
 
+// Where line `row` starts in a text of `lines` lines, each ended by a line feed, counted from
+// the nearer end. The bytes looked at are added to `scanned`.
+size_t lineStart(std::string_view text, size_t lines, size_t row, size_t& scanned) {
+    if (row == 0 || row >= lines) {
+        return row == 0 ? 0 : text.size();
+    }
+    // Line feeds are counted a block at a time, which the compiler does many bytes per step,
+    // and only the block with the one sought is walked byte by byte.
+    constexpr size_t kBlock = 4096;
+    auto feedsIn = [&text](size_t from, size_t length) {
+        return static_cast<size_t>(
+            std::count(text.begin() + static_cast<std::ptrdiff_t>(from),
+                       text.begin() + static_cast<std::ptrdiff_t>(from + length), '\n'));
+    };
+    if (row <= lines / 2) {
+        // Behind the row-th line feed from the front.
+        size_t seen = 0;
+        size_t at = 0;
+        while (at < text.size()) {
+            const size_t length = std::min(kBlock, text.size() - at);
+            const size_t feeds = feedsIn(at, length);
+            if (seen + feeds >= row) {
+                break;
+            }
+            seen += feeds;
+            at += length;
+        }
+        while (seen < row && at < text.size()) {
+            seen += text[at++] == '\n' ? 1 : 0;
+        }
+        scanned += at;
+        return at;
+    }
+    // Behind the (lines - row + 1)-th line feed from the back: the last one ends the last line.
+    const size_t wanted = lines - row + 1;
+    size_t seen = 0;
+    size_t end = text.size();
+    while (end > 0) {
+        const size_t length = std::min(kBlock, end);
+        const size_t feeds = feedsIn(end - length, length);
+        if (seen + feeds >= wanted) {
+            break;
+        }
+        seen += feeds;
+        end -= length;
+    }
+    while (end > 0) {
+        --end;
+        if (text[end] == '\n' && ++seen == wanted) {
+            scanned += text.size() - end;
+            return end + 1;
+        }
+    }
+    return 0;
+}
+
 }  // namespace
 
 std::string tkTimeSheet::tabbedText() const {
-    std::string text;
-    // A row line is rarely longer than this; the string grows geometrically when it is.
-    text.reserve(rows_.size() * 64);
-    rows_.forEach(
-        [&text](const std::shared_ptr<tkRecord>& record) { appendTabLine(text, *record); });
-    return text;
+    return fileText();
+}
+
+const std::string& tkTimeSheet::fileText() const {
+    const uint64_t renames = tkKnownRecordItems::instance().renameCount();
+    if (!fileTextValid_ || fileTextRenames_ != renames) {
+        // Built in the block of the last one: a fresh block of this size would be paged in
+        // again, which costs about as much as writing the text.
+        fileText_.clear();
+        rows_.forEach(
+            [this](const std::shared_ptr<tkRecord>& record) { appendTabLine(fileText_, *record); });
+        fileTextValid_ = true;
+        fileTextRenames_ = renames;
+    }
+    spliceWork_ = 0;
+    return fileText_;
+}
+
+void tkTimeSheet::dropFileText() const {
+    fileTextValid_ = false;
+}
+
+void tkTimeSheet::spliceLineIn(uint32_t row) {
+    if (!fileTextValid_) {
+        return;
+    }
+    size_t work = 0;
+    const size_t at = lineStart(fileText_, rows_.size() - 1, row, work);
+    work += fileText_.size() - at;
+    spliceWork_ += work;
+    if (spliceWork_ > 2 * fileText_.size() + kSpliceSlack) {
+        dropFileText();
+        return;
+    }
+    std::string line;
+    appendTabLine(line, *rows_[row]);
+    fileText_.insert(at, line);
+}
+
+void tkTimeSheet::spliceLineOut(uint32_t row) {
+    if (!fileTextValid_) {
+        return;
+    }
+    size_t work = 0;
+    const size_t at = lineStart(fileText_, rows_.size() + 1, row, work);
+    work += fileText_.size() - at;
+    spliceWork_ += work;
+    if (spliceWork_ > 2 * fileText_.size() + kSpliceSlack) {
+        dropFileText();
+        return;
+    }
+    fileText_.erase(at, fileText_.find('\n', at) + 1 - at);
 }
 
 std::string tkTimeSheet::selectedRowsAsTabbedText(bool useDisplayDate) const {
@@ -180,7 +287,7 @@ void tkTimeSheet::insertWithoutUndo(const tkRecordRows& records, bool inSheetOrd
         const bool appendsInOrder = startedEmpty && rows_.size() == rows.size() && sortBy_ == key &&
                                     (rows_.empty() || rows_.back().get() == previous);
         const uint32_t row =
-            appendsInOrder ? insertRecordAt(record, rowCount()) : insertRecord(record);
+            appendsInOrder ? insertRecordAt(record, rowCount(), true) : insertRecord(record);
         previous = record.get();
         rows.push_back(row);
         std::shared_ptr<std::vector<uint32_t>>& oneRow = oneRowSelections[turn];
