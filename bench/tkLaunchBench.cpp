@@ -93,7 +93,11 @@ const std::filesystem::path& benchHome() {
                   "<tkPreferences><singleWindowMode>true</singleWindowMode>"
                   "<timesheetOpen>true</timesheetOpen><sortBy>date</sortBy></tkPreferences>");
         writeFile(folder / "Chronolet Timers.txt", timersText());
-        writeFile(folder / "Bench User's Time Sheet.txt", sheetText());
+        // Kept, not freed: the measured children are forked from this process, and a freed
+        // block this large would change how their allocator places a load, as it never is
+        // in a fresh process.
+        static const std::string* const sheet = new std::string(sheetText());
+        writeFile(folder / "Bench User's Time Sheet.txt", *sheet);
         return root;
     }();
     static const bool cleanupRegistered = [] {

@@ -1,11 +1,13 @@
 #include "records/tkDate.h"
 
+#include <charconv>
 #include <cstdlib>
 #include <ctime>
 
 #include "foundation/StringFormatException.h"
 #include "foundation/tkClock.h"
 #include "foundation/tkStrings.h"
+#include "records/tkInternedText.h"
 #include "records/tkLeadingNumber.h"
 #include "records/tkRecordFields.h"
 
@@ -64,6 +66,13 @@ int64_t nowInSeconds() {
         --seconds;
     }
     return seconds;
+}
+
+// A plain decimal number, as intToString writes it, appended in place.
+void appendNumber(std::string& out, int32_t value) {
+    char digits[12];  // "-2147483648" is the longest
+    const char* const end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+    out.append(digits, static_cast<size_t>(end - digits));
 }
 
 const std::string& dateFieldName() {
@@ -132,10 +141,24 @@ void tkDate::setFromString(const std::string& text) {
 }
 
 const std::string& tkDate::toString() const {
-    if (text_.empty()) {
-        text_ = intToString(month_) + "/" + intToString(day_) + "/" + intToString(year_ % 100);
+    if (text_ == 0) {
+        std::string text;
+        appendTo(text);
+        text_ = internText(text);
     }
-    return text_;
+    return internedText(text_);
+}
+
+void tkDate::appendTo(std::string& out) const {
+    if (text_ != 0) {
+        out += internedText(text_);
+        return;
+    }
+    appendNumber(out, month_);
+    out += '/';
+    appendNumber(out, day_);
+    out += '/';
+    appendNumber(out, year_ % 100);
 }
 
 bool tkDate::isAcceptable(const std::string&) const {

@@ -28,6 +28,9 @@ class tkDate : public tkStringConvertible {
     void setFromString(const std::string& text) override;
     // Rendered on first use and cached for the life of the object.
     const std::string& toString() const override;
+    // Appends what toString() gives, without caching anything: the time sheet's file text
+    // renders every date this way.
+    void appendTo(std::string& out) const;
     bool isAcceptable(const std::string& text) const override;
     std::string sanitize(const std::string& text) const override;
     const std::string& fieldName() const override;
@@ -47,5 +50,6 @@ class tkDate : public tkStringConvertible {
     int32_t day_ = 0;
     int32_t month_ = 0;
     int32_t year_ = 0;
-    mutable std::string text_;
+    // The cached text, as its number among the interned texts; 0 until first asked for.
+    mutable uint32_t text_ = 0;
 };

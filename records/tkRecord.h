@@ -16,10 +16,12 @@ class tkTagNode;
 
 // One job entry: date, duration, employee, job number, fee code, description.
 //
-// Date, duration and description are private to the record. The three billing codes are
-// shared with tkKnownRecordItems and with every other record of the same code, so renaming a
-// code in the list renames it here too, and a code that any record holds can't be removed.
-// All six pointers are non-null in every constructed record.
+// Date, duration and description are private to the record and live inside it: a time sheet
+// holds a record per row, and three more objects per row would take more memory than the
+// rest of the row. A setter replaces the value, and setField hands back a copy of the one
+// it replaced. The three billing codes are shared with tkKnownRecordItems and with every
+// other record of the same code, so renaming a code in the list renames it here too, and a
+// code that any record holds can't be removed. No field is ever null.
 //
 // Every setter replaces the field's object and posts "Record was edited." (sender: this
 // record), whether or not the value changed; copyFrom() posts nothing.
@@ -50,19 +52,20 @@ class tkRecord : public ItkXMLCreatable {
     void fromTag(const tkTagNode& node) override;
     ~tkRecord() override;
 
-    tkDate* date() const { return date_.get(); }
-    tkDuration* duration() const { return duration_.get(); }
-    tkDescription* description() const { return description_.get(); }
+    tkDate* date() const { return &date_; }
+    tkDuration* duration() const { return &duration_; }
+    tkDescription* description() const { return &description_; }
     std::shared_ptr<tkEmployee> employee() const { return employee_; }
     std::shared_ptr<tkJobNumber> jobNumber() const { return jobNumber_; }
     std::shared_ptr<tkFeeCode> feeCode() const { return feeCode_; }
-    std::string sheetId() const { return sheetId_; }
+    std::string sheetId() const { return sheetId_ ? *sheetId_ : std::string(); }
 
     // The field of that exact name, or null for any other name.
     tkStringConvertible* getField(const std::string& name) const;
 
-    // Sets the field of that exact name from text and returns the item it held before, or
-    // null (and no change) for an unknown name. Billing codes are interned: the stored code
+    // Sets the field of that exact name from text and returns the item it held before (for
+    // date, duration and description a copy of it), or null (and no change) for an unknown
+    // name. Billing codes are interned: the stored code
     // is the known list's object, upper-cased and cut to its length.
     std::shared_ptr<tkStringConvertible> setField(const std::string& name, const std::string& text);
 
@@ -74,7 +77,8 @@ class tkRecord : public ItkXMLCreatable {
     void noteEdited();
 
     // Each replaces the field and posts "Record was edited.". A null argument stores a new
-    // empty value instead, so that no field is ever null.
+    // empty value instead. Date, duration and description take the value of the object
+    // given, which they don't keep.
     void setDate(std::shared_ptr<tkDate> date);
     void setDescription(std::shared_ptr<tkDescription> description);
     void setDuration(std::shared_ptr<tkDuration> duration);
@@ -90,11 +94,13 @@ class tkRecord : public ItkXMLCreatable {
     explicit tkRecord(Unset);
     void post();
 
-    std::shared_ptr<tkDate> date_;
-    std::shared_ptr<tkDuration> duration_;
-    std::shared_ptr<tkDescription> description_;
+    // Reached through a const record as through a pointer, like the codes.
+    mutable tkDate date_;
+    mutable tkDuration duration_;
+    mutable tkDescription description_;
     std::shared_ptr<tkEmployee> employee_;
     std::shared_ptr<tkJobNumber> jobNumber_;
     std::shared_ptr<tkFeeCode> feeCode_;
-    std::string sheetId_;
+    // Hardly any record has one: null for the empty text.
+    std::unique_ptr<std::string> sheetId_;
 };

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <iostream>
+#include <optional>
 #include <stdexcept>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 #include "foundation/tkException.h"
@@ -232,9 +232,7 @@ uint32_t tkTimeSheet::insertRecordAt(std::shared_ptr<tkRecord> record, uint32_t 
     spliceLineIn(row);
     // Every record that enters the rows is known, so that an edit of it renews the file
     // text; only those taken in by insertRecord mark the sheet dirty when edited.
-    ObservedRecord& known = observedRecords_[record.get()];
-    known.record = std::move(record);
-    known.times += observe ? 1 : 0;
+    knownRecords_.add(record, observe);
     dirty_ = true;
     postSheetNote(becameDirtyNote_);
     return row;
@@ -264,8 +262,8 @@ std::shared_ptr<tkRecord> tkTimeSheet::removeRecordAtRow(uint32_t row) {
     dirty_ = true;
     postSheetNote(becameDirtyNote_);
     // The record stays observed, on purpose: it may come back through undo, and is then still
-    // the sheet's. observedRecords_ keeps it alive, so no other object can turn up at its
-    // address and be taken for it.
+    // the sheet's.
+    knownRecords_.retain(record);
     return record;
 }
 
@@ -301,13 +299,13 @@ void tkTimeSheet::setDirty(bool flag) {
 }
 
 void tkTimeSheet::recordWasEdited(const tkNotification& note) {
-    const auto known = observedRecords_.find(note.sender());
-    if (known == observedRecords_.end()) {
+    const std::optional<uint32_t> times = knownRecords_.timesTakenIn(note.sender());
+    if (!times) {
         return;
     }
     dropFileText();
     // Once for every time the record was taken in, as that many registrations would.
-    for (uint32_t i = known->second.times; i > 0; --i) {
+    for (uint32_t i = *times; i > 0; --i) {
         dirty_ = true;
         postSheetNote(becameDirtyNote_);
     }

@@ -4,12 +4,12 @@
 #include <memory>
 #include <set>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "foundation/tkNotificationCenter.h"
 #include "timesheet/tkGapBuffer.h"
 #include "timesheet/tkGroupStarts.h"
+#include "timesheet/tkSheetRecordSet.h"
 #include "timesheet/tkTimeSheetTypes.h"
 
 class tkCompoundInsert;
@@ -271,14 +271,9 @@ class tkTimeSheet : public tkObserver {
     // entry in the notification center for every row ever added, the larger part of a big
     // sheet's memory.
     //
-    // A record stays here when its row leaves (undo can bring it back, and edits of it still
-    // mark the sheet dirty, deliberately). Holding it keeps it alive, so no later object can
-    // turn up at its address and be taken for it.
-    struct ObservedRecord {
-        std::shared_ptr<tkRecord> record;
-        uint32_t times = 0;
-    };
-    std::unordered_map<const void*, ObservedRecord> observedRecords_;
+    // A record stays listed when its row leaves (undo can bring it back, and edits of it still
+    // mark the sheet dirty, deliberately).
+    tkSheetRecordSet knownRecords_;
 
     // The file text, when fileTextValid_ (an empty sheet's empty text is valid from the
     // start, so that a load builds it line by line as it goes). fileTextRenames_ is the known

@@ -178,7 +178,18 @@ void tkTimeSheet::sortRecords(tkRecordRows& records) const {
     // Re-sorting the list stably after each append leaves every record behind its equals in
     // reading order; one stable sort at the end gives exactly that order without the
     // quadratic work. Unsorted, the list stays in reading order.
-    if (sortKind_ != SortKind::kNone) {
+    if (sortKind_ == SortKind::kNone) {
+        return;
+    }
+    // A file is saved in the order of its key, and mostly read back under the same one: then
+    // there is nothing to move, and a check costs neither time nor the memory of the keys.
+    const bool inOrder = std::is_sorted(
+        records.begin(), records.end(),
+        [this](const std::shared_ptr<tkRecord>& a, const std::shared_ptr<tkRecord>& b) {
+            return sortKind_ == SortKind::kDate ? a->date()->compareDate(*b->date()) < 0
+                                                : less(*a, *b);
+        });
+    if (!inOrder) {
         records = permuted(records, SortKeys(records, sortBy_).stableOrder());
     }
 }

@@ -23,18 +23,19 @@ namespace {
 // Splicing is always worth it for a small text.
 constexpr size_t kSpliceSlack = 1 << 16;
 
-// Splits at every separator; the pieces between them may be empty, and a text that ends in
-// the separator has an empty last piece.
-std::vector<std::string_view> splitAt(std::string_view text, char separator) {
-    std::vector<std::string_view> pieces;
+// Calls f on every piece of text between separators, in order; pieces may be empty, and a text
+// that ends in the separator has an empty last piece. Walked in place rather than collected:
+// a large file has a piece per row, and a list of them is memory that a process keeps.
+template <class F>
+void forEachPiece(std::string_view text, char separator, F f) {
     size_t start = 0;
     while (true) {
-        size_t end = text.find(separator, start);
+        const size_t end = text.find(separator, start);
         if (end == std::string_view::npos) {
-            pieces.push_back(text.substr(start));
-            return pieces;
+            f(text.substr(start));
+            return;
         }
-        pieces.push_back(text.substr(start, end - start));
+        f(text.substr(start, end - start));
         start = end + 1;
     }
 }
@@ -42,9 +43,9 @@ std::vector<std::string_view> splitAt(std::string_view text, char separator) {
 void appendTabLine(std::string& out, const tkRecord& record) {
     // The same bytes as toTabLine(record, false), appended in place: the file is rewritten
     // at every change, and a temporary string per row is the larger part of the cost.
-    out += record.date()->toString();
+    record.date()->appendTo(out);
     out += '\t';
-    out += record.duration()->toString();
+    record.duration()->appendTo(out);
     out += '\t';
     out += record.employee()->toString();
     out += '\t';
@@ -208,6 +209,10 @@ void tkTimeSheet::readTabbedText(const std::string& text) {
     // The load is deliberately no undo step, so it keeps no commands: the same changes and
     // posts as addRecordsFromText, without the memory of a step nobody can take back.
     BulkChange bulk(this);
+    if (fileTextValid_) {
+        // The rows' text comes out about as long as the file's; room for it at once.
+        fileText_.reserve(fileText_.size() + text.size());
+    }
     insertWithoutUndo(parseLines(text, false), true);
     bulk.end();
 }
@@ -218,23 +223,26 @@ std::unique_ptr<tkCompoundInsert> tkTimeSheet::addRecordsFromText(const std::str
 }
 
 tkRecordRows tkTimeSheet::parseLines(const std::string& text, bool displayDates) const {
-    std::vector<std::string_view> lines = splitAt(text, '\n');
-    if (lines.size() == 1) {
-        // A file with carriage returns as line ends, or one line ending in one.
-        std::vector<std::string_view> byReturns = splitAt(text, '\r');
-        if (byReturns.size() >= 2) {
-            lines = std::move(byReturns);
+    // A file with carriage returns as line ends, or one line ending in one, has no line feed
+    // and more than one piece between carriage returns.
+    char separator = '\n';
+    size_t pieces = static_cast<size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
+    if (pieces == 1) {
+        const size_t byReturns =
+            static_cast<size_t>(std::count(text.begin(), text.end(), '\r')) + 1;
+        if (byReturns >= 2) {
+            separator = '\r';
+            pieces = byReturns;
         }
     }
     // Every line is parsed before the first row goes in, so a bad line adds nothing.
     tkRecordRows records;
-    records.reserve(lines.size());
-    for (std::string_view line : lines) {
-        if (line.empty()) {
-            continue;
+    records.reserve(pieces);
+    forEachPiece(text, separator, [&records, displayDates](std::string_view line) {
+        if (!line.empty()) {
+            records.push_back(sharedFromTabLine(line, displayDates));
         }
-        records.push_back(sharedFromTabLine(line, displayDates));
-    }
+    });
     sortRecords(records);
     return records;
 }
@@ -309,7 +317,7 @@ void tkTimeSheet::reserveRows(size_t more) {
     // A load of years of entries would otherwise grow the row vector by doubling, and hold
     // the old and the new block at once.
     rows_.reserve(rows_.size() + more);
-    observedRecords_.reserve(observedRecords_.size() + more);
+    knownRecords_.reserve(knownRecords_.size() + more);
 }
 
 void tkTimeSheet::addRecordsFromTags(const tkTagNode& node) {
