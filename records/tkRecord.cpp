@@ -76,6 +76,23 @@ tkRecord::tkRecord(const std::string& date, const std::string& duration,
     feeCode_ = internedOrPrivate(known.getOrAddFeeCode(feeCode), feeCode);
 }
 
+tkRecord::tkRecord(const std::array<std::string_view, 6>& fieldTexts)
+    // Today is not looked up for a date that is set before anyone can see the record.
+    : date_(std::string(fieldTexts[0])),
+      duration_(int32_t{0}),
+      employee_(unlistedEmpty<tkEmployee>()),
+      jobNumber_(unlistedEmpty<tkJobNumber>()),
+      feeCode_(unlistedEmpty<tkFeeCode>()) {
+    post();
+    duration_ = tkDuration(std::string(fieldTexts[1]));
+    post();
+    setEmployeeText(fieldTexts[2]);
+    setJobNumberText(fieldTexts[3]);
+    setFeeCodeText(fieldTexts[4]);
+    description_ = tkDescription(std::string(fieldTexts[5]));
+    post();
+}
+
 tkRecord::tkRecord(const tkRecord& other)
     : ItkXMLCreatable(), date_(0, 0, 0), duration_(int32_t{0}) {
     copyFrom(other);
@@ -143,33 +160,65 @@ std::shared_ptr<tkStringConvertible> tkRecord::setField(const std::string& name,
                                                         const std::string& text) {
     // The previous value is handed back alive, so a caller can compare it or keep it for undo:
     // a copy for the values that live in the record, the object itself for a code.
-    tkKnownRecordItems& known = tkKnownRecordItems::instance();
     std::shared_ptr<tkStringConvertible> old;
     if (name == kFieldDate) {
-        // Read first: a date without '/' throws before anything changed.
+        // A date without '/' throws before anything changed.
         tkDate date(text);
         old = std::make_shared<tkDate>(date_);
         date_ = date;
         post();
-    } else if (name == kFieldDescription) {
+        return old;
+    }
+    if (name == kFieldDescription) {
         old = std::make_shared<tkDescription>(description_);
+    } else if (name == kFieldDuration) {
+        old = std::make_shared<tkDuration>(duration_);
+    } else if (name == kFieldEmployee) {
+        old = employee_;
+    } else if (name == kFieldFeeCode) {
+        old = feeCode_;
+    } else if (name == kFieldJobNumber) {
+        old = jobNumber_;
+    }
+    assignField(name, text);
+    return old;
+}
+
+bool tkRecord::assignField(const std::string& name, const std::string& text) {
+    if (name == kFieldDate) {
+        date_ = tkDate(text);
+        post();
+    } else if (name == kFieldDescription) {
         description_ = tkDescription(text);
         post();
     } else if (name == kFieldDuration) {
-        old = std::make_shared<tkDuration>(duration_);
         duration_ = tkDuration(text);
         post();
     } else if (name == kFieldEmployee) {
-        old = employee_;
-        setEmployee(internedOrPrivate(known.getOrAddEmployee(text), text));
+        setEmployeeText(text);
     } else if (name == kFieldFeeCode) {
-        old = feeCode_;
-        setFeeCode(internedOrPrivate(known.getOrAddFeeCode(text), text));
+        setFeeCodeText(text);
     } else if (name == kFieldJobNumber) {
-        old = jobNumber_;
-        setJobNumber(internedOrPrivate(known.getOrAddJobNumber(text), text));
+        setJobNumberText(text);
+    } else {
+        return false;
     }
-    return old;
+    return true;
+}
+
+void tkRecord::setEmployeeText(std::string_view text) {
+    const std::string code(text);
+    setEmployee(internedOrPrivate(tkKnownRecordItems::instance().getOrAddEmployee(code), code));
+}
+
+void tkRecord::setJobNumberText(std::string_view text) {
+    const std::string code(text);
+    setJobNumber(internedOrPrivate(tkKnownRecordItems::instance().getOrAddJobNumber(code), code));
+}
+
+void tkRecord::setFeeCodeText(std::string_view text) {
+    const std::string code(text);
+    setFeeCode(internedOrPrivate(tkKnownRecordItems::instance().getOrAddFeeCode(code), code));
 }
 
 void tkRecord::copyFrom(const tkRecord& other) {
@@ -224,6 +273,12 @@ bool tkRecord::operator==(const tkRecord& other) const {
 }
 
 void tkRecord::post() {
-    // Posted on every set, changed or not: observers treat it as "look again".
-    tkNotificationCenter::instance().postNotification(tkNotification(kRecordWasEdited, this, 0));
+    // Posted on every set, changed or not: observers treat it as "look again". Reading a large
+    // time sheet posts this six times per row before anyone listens to the new records; while
+    // nobody listens at all, the post is answered here, without building a notification.
+    tkNotificationCenter& center = tkNotificationCenter::instance();
+    static const size_t& listeners = center.observerCount(kRecordWasEdited);
+    if (listeners != 0) {
+        center.postNotification(tkNotification(kRecordWasEdited, this, 0));
+    }
 }

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <array>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "foundation/ItkXMLCreatable.h"
 #include "records/tkDate.h"
@@ -40,6 +42,10 @@ class tkRecord : public ItkXMLCreatable {
     // unknown codes to them. A date without '/' throws StringFormatException.
     tkRecord(const std::string& date, const std::string& duration, const std::string& employee,
              const std::string& jobNumber, const std::string& feeCode, std::string description);
+    // A default record whose six fields, in field order, are then set from the texts as
+    // setField sets them, each with its post: the record of a line of tab-delimited text. The
+    // date is set first, so a date without '/' throws before any post or code list change.
+    explicit tkRecord(const std::array<std::string_view, 6>& fieldTexts);
     // As copyFrom().
     tkRecord(const tkRecord& other);
     tkRecord& operator=(const tkRecord& other);
@@ -92,6 +98,11 @@ class tkRecord : public ItkXMLCreatable {
   private:
     struct Unset {};
     explicit tkRecord(Unset);
+    // setField without the old item; false for an unknown name.
+    bool assignField(const std::string& name, const std::string& text);
+    void setEmployeeText(std::string_view text);
+    void setJobNumberText(std::string_view text);
+    void setFeeCodeText(std::string_view text);
     void post();
 
     // Reached through a const record as through a pointer, like the codes.

@@ -39,19 +39,18 @@ tkTimeSheet::tkTimeSheet()
     // The center must outlive the application's sheet, whose destructor takes back its
     // registration: touching it first makes it finish construction first, and so be
     // destroyed last.
-    tkNotificationCenter& center = tkNotificationCenter::instance();
+    tkNotificationCenter::instance();
     undoManager_ = std::make_unique<tkUndoManager>();
     setSortKey(kFieldDate);
     rebuildGroups();
     dirty_ = false;
     selection_ = makeRowSelection({});
-    center.addObserver(
-        this, [this](const tkNotification& note) { recordWasEdited(note); }, kRecordWasEdited,
-        nullptr);
 }
 
 tkTimeSheet::~tkTimeSheet() {
-    tkNotificationCenter::instance().removeObserver(this, kRecordWasEdited, nullptr);
+    if (!knownRecords_.empty()) {
+        tkNotificationCenter::instance().removeObserver(this, kRecordWasEdited, nullptr);
+    }
 }
 
 // ---- Reading ----
@@ -231,7 +230,14 @@ uint32_t tkTimeSheet::insertRecordAt(std::shared_ptr<tkRecord> record, uint32_t 
     updateGroupsAfterInsert(row);
     spliceLineIn(row);
     // Every record that enters the rows is known, so that an edit of it renews the file
-    // text; only those taken in by insertRecord mark the sheet dirty when edited.
+    // text; only those taken in by insertRecord mark the sheet dirty when edited. The sheet
+    // listens from its first record on: it need not hear the records that a file being read
+    // makes before any of them is in the table, and then nobody hears them at all.
+    if (knownRecords_.empty()) {
+        tkNotificationCenter::instance().addObserver(
+            this, [this](const tkNotification& note) { recordWasEdited(note); }, kRecordWasEdited,
+            nullptr);
+    }
     knownRecords_.add(record, observe);
     dirty_ = true;
     postSheetNote(becameDirtyNote_);
