@@ -27,8 +27,15 @@
 // ---- Construction ----
 
 tkTimeSheet& tkTimeSheet::instance() {
+#if TK_LEAVE_TO_SYSTEM_AT_EXIT
+    // Never destroyed: the system takes the rows back at exit faster than their destructors
+    // would (the build sets this in release builds only).
+    static tkTimeSheet* const sheet = new tkTimeSheet();
+    return *sheet;
+#else
     static tkTimeSheet sheet;
     return sheet;
+#endif
 }
 
 tkTimeSheet::tkTimeSheet()
