@@ -1,5 +1,6 @@
 #include "records/tkDate.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <ctime>
@@ -68,11 +69,9 @@ int64_t nowInSeconds() {
     return seconds;
 }
 
-// A plain decimal number, as intToString writes it, appended in place.
-void appendNumber(std::string& out, int32_t value) {
-    char digits[12];  // "-2147483648" is the longest
-    const char* const end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-    out.append(digits, static_cast<size_t>(end - digits));
+// A plain decimal number, as intToString writes it.
+char* writeNumber(char* out, int32_t value) {
+    return std::to_chars(out, out + 11, value).ptr;  // "-2147483648" is the longest
 }
 
 const std::string& dateFieldName() {
@@ -142,23 +141,22 @@ void tkDate::setFromString(const std::string& text) {
 
 const std::string& tkDate::toString() const {
     if (text_ == 0) {
-        std::string text;
-        appendTo(text);
-        text_ = internText(text);
+        char text[kMaxTextLength];
+        text_ = internText(std::string_view(text, static_cast<size_t>(writeText(text) - text)));
     }
     return internedText(text_);
 }
 
-void tkDate::appendTo(std::string& out) const {
+char* tkDate::writeText(char* out) const {
     if (text_ != 0) {
-        out += internedText(text_);
-        return;
+        const std::string& text = internedText(text_);
+        return std::copy(text.begin(), text.end(), out);
     }
-    appendNumber(out, month_);
-    out += '/';
-    appendNumber(out, day_);
-    out += '/';
-    appendNumber(out, year_ % 100);
+    out = writeNumber(out, month_);
+    *out++ = '/';
+    out = writeNumber(out, day_);
+    *out++ = '/';
+    return writeNumber(out, year_ % 100);
 }
 
 bool tkDate::isAcceptable(const std::string&) const {

@@ -28,9 +28,11 @@ class tkDate : public tkStringConvertible {
     void setFromString(const std::string& text) override;
     // Rendered on first use and cached for the life of the object.
     const std::string& toString() const override;
-    // Appends what toString() gives, without caching anything: the time sheet's file text
-    // renders every date this way.
-    void appendTo(std::string& out) const;
+    // The most bytes that toString() can give: three numbers of 32 bits and two slashes.
+    static constexpr size_t kMaxTextLength = 35;
+    // Writes what toString() gives at `out`, which has room for kMaxTextLength bytes, and
+    // returns the end, caching nothing: the time sheet's file text renders every date so.
+    char* writeText(char* out) const;
     bool isAcceptable(const std::string& text) const override;
     std::string sanitize(const std::string& text) const override;
     const std::string& fieldName() const override;

@@ -16,16 +16,13 @@ const std::string& durationFieldName() {
     return name;
 }
 
-// One part of the text form, appended: at least two digits. The test is signed, so a negative
-// part gets a "0" in front too ("0-5"). Appended in place rather than joined from strings, as
-// every duration of a file text renders once per save.
-void appendPart(std::string& text, int32_t value) {
-    char digits[12];  // "-2147483648" is the longest
-    const char* const end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+// One part of the text form: at least two digits. The test is signed, so a negative part gets
+// a "0" in front too ("0-5").
+char* writePart(char* out, int32_t value) {
     if (value <= 9) {
-        text += '0';
+        *out++ = '0';
     }
-    text.append(digits, static_cast<size_t>(end - digits));
+    return std::to_chars(out, out + 11, value).ptr;  // "-2147483648" is the longest
 }
 
 // Clock parts are read as long and kept in 32 bits; a number too big for that wraps instead
@@ -95,17 +92,17 @@ void tkDuration::setFromString(const std::string& text) {
 }
 
 const std::string& tkDuration::toString() const {
-    std::string text;
-    appendTo(text);
-    return internedText(internText(text));
+    char text[kMaxTextLength];
+    return internedText(
+        internText(std::string_view(text, static_cast<size_t>(writeText(text) - text))));
 }
 
-void tkDuration::appendTo(std::string& out) const {
-    appendPart(out, hours_);
-    out += ':';
-    appendPart(out, minutes_);
-    out += ':';
-    appendPart(out, seconds_);
+char* tkDuration::writeText(char* out) const {
+    out = writePart(out, hours_);
+    *out++ = ':';
+    out = writePart(out, minutes_);
+    *out++ = ':';
+    return writePart(out, seconds_);
 }
 
 bool tkDuration::isAcceptable(const std::string&) const {

@@ -23,9 +23,12 @@ class tkDuration : public tkStringConvertible {
     void setFromString(const std::string& text) override;
     // The text of the parts as they stand, kept among the interned texts.
     const std::string& toString() const override;
-    // Appends what toString() gives, without looking it up: the time sheet's file text renders
-    // every duration this way.
-    void appendTo(std::string& out) const;
+    // The most bytes that toString() can give: three parts of up to twelve and two colons.
+    static constexpr size_t kMaxTextLength = 38;
+    // Writes what toString() gives at `out`, which has room for kMaxTextLength bytes, and
+    // returns the end, without looking the text up: the time sheet's file text renders every
+    // duration so.
+    char* writeText(char* out) const;
     bool isAcceptable(const std::string& text) const override;
     std::string sanitize(const std::string& text) const override;
     const std::string& fieldName() const override;

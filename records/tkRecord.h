@@ -61,9 +61,10 @@ class tkRecord : public ItkXMLCreatable {
     tkDate* date() const { return &date_; }
     tkDuration* duration() const { return &duration_; }
     tkDescription* description() const { return &description_; }
-    std::shared_ptr<tkEmployee> employee() const { return employee_; }
-    std::shared_ptr<tkJobNumber> jobNumber() const { return jobNumber_; }
-    std::shared_ptr<tkFeeCode> feeCode() const { return feeCode_; }
+    // By reference: reading a code's text needn't touch the count of its holders.
+    const std::shared_ptr<tkEmployee>& employee() const { return employee_; }
+    const std::shared_ptr<tkJobNumber>& jobNumber() const { return jobNumber_; }
+    const std::shared_ptr<tkFeeCode>& feeCode() const { return feeCode_; }
     std::string sheetId() const { return sheetId_ ? *sheetId_ : std::string(); }
 
     // The field of that exact name, or null for any other name.

@@ -41,20 +41,38 @@ void forEachPiece(std::string_view text, char separator, F f) {
 }
 
 void appendTabLine(std::string& out, const tkRecord& record) {
-    // The same bytes as toTabLine(record, false), appended in place: the file is rewritten
-    // at every change, and a temporary string per row is the larger part of the cost.
-    record.date()->appendTo(out);
-    out += '\t';
-    record.duration()->appendTo(out);
-    out += '\t';
-    out += record.employee()->toString();
-    out += '\t';
-    out += record.jobNumber()->toString();
-    out += '\t';
-    out += record.feeCode()->toString();
-    out += '\t';
-    out += record.description()->toString();
-    out += '\n';
+    // The same bytes as toTabLine(record, false) and a line feed. The file text is built from
+    // these, line by line as rows come in and all at once after a re-sort, so the line is put
+    // together in a buffer and appended once, rather than piece by piece.
+    const std::string& employee = record.employee()->text();
+    const std::string& jobNumber = record.jobNumber()->text();
+    const std::string& feeCode = record.feeCode()->text();
+    const std::string& description = record.description()->text();
+    char line[512];
+    const size_t longest = tkDate::kMaxTextLength + tkDuration::kMaxTextLength + employee.size() +
+                           jobNumber.size() + feeCode.size() + description.size() + 6;
+    if (longest > sizeof line) {
+        // Only text set on the trusted path, past every limit, gets here.
+        out += toTabLine(record, false);
+        out += '\n';
+        return;
+    }
+    auto copy = [](char* to, const std::string& text) {
+        return std::copy(text.begin(), text.end(), to);
+    };
+    char* end = record.date()->writeText(line);
+    *end++ = '\t';
+    end = record.duration()->writeText(end);
+    *end++ = '\t';
+    end = copy(end, employee);
+    *end++ = '\t';
+    end = copy(end, jobNumber);
+    *end++ = '\t';
+    end = copy(end, feeCode);
+    *end++ = '\t';
+    end = copy(end, description);
+    *end++ = '\n';
+    out.append(line, static_cast<size_t>(end - line));
 }
 
 // Where line `row` starts in a text of `lines` lines, each ended by a line feed, counted from
