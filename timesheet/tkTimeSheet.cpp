@@ -339,8 +339,12 @@ void tkTimeSheet::BulkChange::end() {
 }
 
 tkTimeSheet::BulkChange::~BulkChange() {
-    if (sheet_ != nullptr) {
-        --sheet_->bulkChanges_;
+    // Left without end(): an exception is on its way out, and what changed before it is saved
+    // all the same. A save that fails now can't be thrown over that exception; what it held
+    // stays dirty for the next save.
+    try {
+        end();
+    } catch (...) {
     }
 }
 

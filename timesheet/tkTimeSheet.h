@@ -178,8 +178,9 @@ class tkTimeSheet : public tkObserver {
         // Closes it; the outermost one posts "Time sheet bulk change ended.", where the data
         // layer saves, so this may throw what a save throws.
         void end();
-        // Without end(), as when an exception passes, it closes without a post: what changed
-        // stays dirty and the next save writes it.
+        // Without end(), as when an exception passes, it ends all the same, so that what
+        // changed is saved; a save that fails then is not thrown over the exception, and
+        // what it held stays dirty for the next save.
         ~BulkChange();
         BulkChange(const BulkChange&) = delete;
         BulkChange& operator=(const BulkChange&) = delete;

@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "foundation/StringFormatException.h"
 #include "preferences/tkPreferences.h"
 #include "shell/tkAppState.h"
 #include "shell/tkDataFiles.h"
@@ -44,6 +45,17 @@ TEST_F(tkSaveTimingTest, EachActionWritesEachChangedFileOnceBeforeItReturns) {
         EXPECT_FALSE(sheet.isDirty() || tkPreferences::instance().isDirty()) << c.action;
         EXPECT_EQ(home.readText(sheetPath()), sheet.tabbedText()) << c.action;
     }
+}
+
+// The codes of the good lines stay in the lists when a later line is refused, and so on disk.
+TEST_F(tkSaveTimingTest, ARefusedPasteStillSavesTheCodesOfItsGoodLines) {
+    installFaulty();
+    tkAppState::instance().attachPreferencesHandlers();
+    openTimeSheet();
+    EXPECT_THROW(tkTimeSheet::instance().pasteText("4/5/6\t1\tNEWE\tJOB\tFEE\tz\nbad line\n"),
+                 StringFormatException);
+    EXPECT_FALSE(tkPreferences::instance().isDirty());
+    EXPECT_NE(home.readText(preferencesPath()).value_or("").find("NEWE"), std::string::npos);
 }
 
 }  // namespace
