@@ -7,7 +7,6 @@
 
 #include "foundation/StringFormatException.h"
 #include "foundation/tkClock.h"
-#include "foundation/tkStrings.h"
 #include "records/tkInternedText.h"
 #include "records/tkLeadingNumber.h"
 #include "records/tkRecordFields.h"

@@ -1,22 +1,15 @@
 #include "timesheet/tkTimeSheet.h"
 
-#include <algorithm>
-#include <array>
 #include <iostream>
 #include <optional>
 #include <stdexcept>
-#include <string_view>
 #include <utility>
 
 #include "foundation/tkException.h"
 #include "foundation/tkNotificationNames.h"
-#include "foundation/tkStrings.h"
-#include "foundation/tkTagNode.h"
 #include "records/tkRecord.h"
 #include "records/tkRecordFields.h"
-#include "records/tkRecordText.h"
 #include "timesheet/tkCompoundEdit.h"
-#include "timesheet/tkCompoundInsert.h"
 #include "timesheet/tkDeleteCommand.h"
 #include "timesheet/tkInsertCommand.h"
 #include "timesheet/tkSelectionChangeCommand.h"
