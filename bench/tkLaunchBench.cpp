@@ -232,18 +232,24 @@ void checkSaved(benchmark::State& state) {
     }
 }
 
-// Every row of the sheet, one undo step; undone untimed, so each round
-// deletes the same rows.
-void BM_DeleteAllRowsOfLargeSheet(benchmark::State& state) {
+// The action timed; then, untimed, the check that it saved and its undo, so that every
+// round starts from the same rows.
+template <class Action>
+void timedThenUndone(benchmark::State& state, Action action) {
     launchedUI();
     tkTimeSheet& sheet = tkTimeSheet::instance();
     for (auto _ : state) {
-        sheet.deleteAllRows();
+        action(sheet);
         state.PauseTiming();
         checkSaved(state);
         sheet.undoManager().undo();
         state.ResumeTiming();
     }
+}
+
+// Every row of the sheet, one undo step.
+void BM_DeleteAllRowsOfLargeSheet(benchmark::State& state) {
+    timedThenUndone(state, [](tkTimeSheet& sheet) { sheet.deleteAllRows(); });
 }
 BENCHMARK(BM_DeleteAllRowsOfLargeSheet)->Unit(benchmark::kMillisecond)->Iterations(5);
 
@@ -263,19 +269,10 @@ void BM_UndoDeleteAllRowsOfLargeSheet(benchmark::State& state) {
 }
 BENCHMARK(BM_UndoDeleteAllRowsOfLargeSheet)->Unit(benchmark::kMillisecond)->Iterations(5);
 
-// Ten thousand copied rows from all over the years, pasted as one step into
-// the large sheet; undone untimed.
+// Ten thousand copied rows from all over the years, pasted as one step into the large sheet.
 void BM_Paste10000RowsIntoLargeSheet(benchmark::State& state) {
-    launchedUI();
-    tkTimeSheet& sheet = tkTimeSheet::instance();
     const std::string clipboard = generatedTimeSheetText(10000, 7);
-    for (auto _ : state) {
-        sheet.pasteText(clipboard);
-        state.PauseTiming();
-        checkSaved(state);
-        sheet.undoManager().undo();
-        state.ResumeTiming();
-    }
+    timedThenUndone(state, [&clipboard](tkTimeSheet& sheet) { sheet.pasteText(clipboard); });
 }
 BENCHMARK(BM_Paste10000RowsIntoLargeSheet)->Unit(benchmark::kMillisecond)->Iterations(5);
 
