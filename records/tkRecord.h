@@ -25,16 +25,16 @@ class tkTagNode;
 // other record of the same code, so renaming a code in the list renames it here too, and a
 // code that any record holds can't be removed. No field is ever null.
 //
-// Every setter replaces the field's object and posts "Record was edited." (sender: this
-// record), whether or not the value changed; copyFrom() posts nothing.
+// Every setter replaces the field's value (for a code, the object held) and posts "Record was
+// edited." (sender: this record), whether or not the value changed; copyFrom() posts nothing.
 class tkRecord : public ItkXMLCreatable {
   public:
-    // Today's date, a zero duration, and four empty text fields; the empty codes are private
-    // objects, not the known lists' empty entries.
+    // Today's date, a zero duration, and four empty text fields; the empty codes are unlisted
+    // objects (one of each kind for every new record), not the known lists' empty entries.
     tkRecord();
     // Reads the record from tagged text; see fromTag(). Throws what fromTag() throws.
     explicit tkRecord(const tkTagNode& node);
-    // Stores the six pointers as given.
+    // Takes the values of the date, duration and description given, and the codes' objects.
     tkRecord(std::shared_ptr<tkDate> date, std::shared_ptr<tkDuration> duration,
              std::shared_ptr<tkEmployee> employee, std::shared_ptr<tkJobNumber> jobNumber,
              std::shared_ptr<tkFeeCode> feeCode, std::shared_ptr<tkDescription> description);
@@ -72,12 +72,12 @@ class tkRecord : public ItkXMLCreatable {
 
     // Sets the field of that exact name from text and returns the item it held before (for
     // date, duration and description a copy of it), or null (and no change) for an unknown
-    // name. Billing codes are interned: the stored code
-    // is the known list's object, upper-cased and cut to its length.
+    // name. Billing codes are interned: the stored code is the known list's object,
+    // upper-cased and cut to its length.
     std::shared_ptr<tkStringConvertible> setField(const std::string& name, const std::string& text);
 
-    // New date, duration and description objects of equal value; the billing codes are shared
-    // with other; sheetId is copied. Posts nothing.
+    // Date, duration and description of equal value (the date's rendered text is not carried
+    // over); the billing codes are shared with other; sheetId is copied. Posts nothing.
     void copyFrom(const tkRecord& other);
 
     // Posts "Record was edited." without changing anything.
@@ -93,7 +93,8 @@ class tkRecord : public ItkXMLCreatable {
     void setFeeCode(std::shared_ptr<tkFeeCode> feeCode);
     void setJobNumber(std::shared_ptr<tkJobNumber> jobNumber);
 
-    // Identity, not value: true when all six items are the very same objects.
+    // Identity, not value: true when all six items are the very same objects, which for values
+    // that live in the record means the record itself.
     bool operator==(const tkRecord& other) const;
 
   private:
