@@ -1,19 +1,26 @@
-// The three costs a user feels in the shell: starting up with a full year of
-// work, typing into a timer's job field, and adding a timer's time to a large
-// time sheet. Each of the last two includes rewriting its files on disk,
-// since every change is saved before the action returns.
+// The costs a user feels in the shell with a large time sheet: starting up
+// with a full year of work (and the memory it takes), quitting, typing into a
+// timer's job field, adding a timer's time, deleting every row, undoing that,
+// and pasting many rows. Each action includes rewriting its files on disk
+// through the POSIX layer, since every change is saved before the action
+// returns.
 #include <benchmark/benchmark.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
+#include "bench/tkBenchProcess.h"
+#include "bench/tkTimeSheetBenchData.h"
 #include "platform/tkFileManagerPosix.h"
 #include "platform/tkUserInfoPosix.h"
 #include "preferences/tkPaths.h"
@@ -23,6 +30,7 @@
 #include "timers/tkHeadlessTimerWindow.h"
 #include "timers/tkTimerArray.h"
 #include "timesheet/tkTimeSheet.h"
+#include "timesheet/tkUndoManager.h"
 
 namespace {
 
@@ -85,11 +93,20 @@ const std::filesystem::path& benchHome() {
                   "<tkPreferences><singleWindowMode>true</singleWindowMode>"
                   "<timesheetOpen>true</timesheetOpen><sortBy>date</sortBy></tkPreferences>");
         writeFile(folder / "Chronolet Timers.txt", timersText());
-        writeFile(folder / "Bench User's Time Sheet.txt", sheetText());
+        // Kept, not freed: the measured children are forked from this process, and a freed
+        // block this large would change how their allocator places a load, as it never is
+        // in a fresh process.
+        static const std::string* const sheet = new std::string(sheetText());
+        writeFile(folder / "Bench User's Time Sheet.txt", *sheet);
         return root;
     }();
     static const bool cleanupRegistered = [] {
+        // Forked children inherit the handler; only this process removes the home.
+        static const pid_t owner = ::getpid();
         std::atexit([] {
+            if (::getpid() != owner) {
+                return;
+            }
             std::error_code error;
             std::filesystem::remove_all(*home, error);
         });
@@ -99,52 +116,74 @@ const std::filesystem::path& benchHome() {
     return *home;
 }
 
+bool launched() {
+    return tkTimerArray::instance().numTimers() == kTimers &&
+           tkTimeSheet::instance().rowCount() == kRows;
+}
+
+void launch(tkHeadlessAppFrontEnd& frontEnd, std::unique_ptr<tkLaunchSequence>& sequence) {
+    sequence = std::make_unique<tkLaunchSequence>(
+        frontEnd, [] { return std::make_unique<tkFileManagerPosix>(); });
+    sequence->applicationDidFinishLaunching();
+}
+
 // Every launch builds process-wide singletons, so each measured launch runs
-// in a fresh child that reports its own time.
+// in a fresh child that reports its own time, and the memory that the launch
+// added per time sheet row.
 void BM_HeadlessLaunch(benchmark::State& state) {
     benchHome();
     double cpuSeconds = 0;
+    double bytesPerRow = 0;
     for (auto _ : state) {
-        int pipeEnds[2];
-        if (::pipe(pipeEnds) != 0) {
-            state.SkipWithError("pipe failed");
-            break;
-        }
-        const pid_t child = ::fork();
-        if (child == 0) {
+        const ChildReport child = inChild(3, [](int fd) {
+            const double before = residentBytes();
             const auto start = std::chrono::steady_clock::now();
             tkHeadlessAppFrontEnd frontEnd;
-            tkLaunchSequence sequence(frontEnd,
-                                      [] { return std::make_unique<tkFileManagerPosix>(); });
-            sequence.applicationDidFinishLaunching();
-            const double seconds =
-                std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-            const bool loaded = tkTimerArray::instance().numTimers() == kTimers &&
-                                tkTimeSheet::instance().rowCount() == kRows;
+            std::unique_ptr<tkLaunchSequence> sequence;
+            launch(frontEnd, sequence);
+            const double seconds = secondsSince(start);
             // Wall time is what the user waits; processor time shows how much
             // of it a busy machine added.
-            const double report[2] = {loaded ? seconds : -1.0,
-                                      static_cast<double>(std::clock()) / CLOCKS_PER_SEC};
-            (void)!::write(pipeEnds[1], report, sizeof report);
-            ::_exit(0);
-        }
-        ::close(pipeEnds[1]);
-        double report[2] = {-1.0, 0.0};
-        const bool got = ::read(pipeEnds[0], report, sizeof report) == sizeof report;
-        const double seconds = report[0];
-        cpuSeconds += report[1];
-        ::close(pipeEnds[0]);
-        ::waitpid(child, nullptr, 0);
-        if (!got || seconds < 0) {
+            report(fd,
+                   {launched() ? seconds : -1.0, static_cast<double>(std::clock()) / CLOCKS_PER_SEC,
+                    (residentBytes() - before) / kRows});
+        });
+        if (child.values.empty() || child.values[0] < 0) {
             state.SkipWithError("the launch did not load the files");
             break;
         }
-        state.SetIterationTime(seconds);
+        state.SetIterationTime(child.values[0]);
+        cpuSeconds += child.values[1];
+        bytesPerRow = child.values[2];
     }
     state.counters["cpu_ms"] =
         benchmark::Counter(cpuSeconds * 1000, benchmark::Counter::kAvgIterations);
+    state.counters["bytes_per_row"] = bytesPerRow;
 }
 BENCHMARK(BM_HeadlessLaunch)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(10);
+
+// From the end of the last save at a quit to the end of the process, as the
+// parent sees it: what remains is the process's own teardown.
+void BM_QuitAfterLaunch(benchmark::State& state) {
+    benchHome();
+    for (auto _ : state) {
+        const ChildReport child = inChild(1, [](int fd) {
+            tkHeadlessAppFrontEnd frontEnd;
+            std::unique_ptr<tkLaunchSequence> sequence;
+            launch(frontEnd, sequence);
+            sequence->terminate();
+            report(fd, {launched() && !tkTimeSheet::instance().isDirty() ? 1.0 : -1.0});
+            // As main() ends: every static object is destroyed on the way out.
+            std::exit(0);
+        });
+        if (child.values.empty() || child.values[0] < 0) {
+            state.SkipWithError("the launch or the last save failed");
+            break;
+        }
+        state.SetIterationTime(child.secondsToExit);
+    }
+}
+BENCHMARK(BM_QuitAfterLaunch)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(10);
 
 // The two action benchmarks share one launch in this process.
 tkHeadlessTimerUI& launchedUI() {
@@ -185,5 +224,66 @@ void BM_AddTimerToLargeSheet(benchmark::State& state) {
     state.counters["rows"] = tkTimeSheet::instance().rowCount();
 }
 BENCHMARK(BM_AddTimerToLargeSheet)->Unit(benchmark::kMillisecond)->Iterations(50);
+
+// The save alone, as at a quit: the file's text is ready, so this is what writing it through
+// the POSIX layer costs, the floor under every action above.
+void BM_SaveLargeSheet(benchmark::State& state) {
+    launchedUI();
+    for (auto _ : state) {
+        tkTimeSheet::instance().setDirty(true);
+    }
+}
+BENCHMARK(BM_SaveLargeSheet)->Unit(benchmark::kMillisecond)->Iterations(50);
+
+// A failed or missing save shows as a dirty sheet once the action returned.
+void checkSaved(benchmark::State& state) {
+    if (tkTimeSheet::instance().isDirty()) {
+        state.SkipWithError("the time sheet file was not written");
+    }
+}
+
+// The action timed; then, untimed, the check that it saved and its undo, so that every
+// round starts from the same rows.
+template <class Action>
+void timedThenUndone(benchmark::State& state, Action action) {
+    launchedUI();
+    tkTimeSheet& sheet = tkTimeSheet::instance();
+    for (auto _ : state) {
+        action(sheet);
+        state.PauseTiming();
+        checkSaved(state);
+        sheet.undoManager().undo();
+        state.ResumeTiming();
+    }
+}
+
+// Every row of the sheet, one undo step.
+void BM_DeleteAllRowsOfLargeSheet(benchmark::State& state) {
+    timedThenUndone(state, [](tkTimeSheet& sheet) { sheet.deleteAllRows(); });
+}
+BENCHMARK(BM_DeleteAllRowsOfLargeSheet)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+void BM_UndoDeleteAllRowsOfLargeSheet(benchmark::State& state) {
+    launchedUI();
+    tkTimeSheet& sheet = tkTimeSheet::instance();
+    for (auto _ : state) {
+        state.PauseTiming();
+        sheet.deleteAllRows();
+        state.ResumeTiming();
+        sheet.undoManager().undo();
+        state.PauseTiming();
+        checkSaved(state);
+        state.ResumeTiming();
+    }
+    state.counters["rows"] = sheet.rowCount();
+}
+BENCHMARK(BM_UndoDeleteAllRowsOfLargeSheet)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+// Ten thousand copied rows from all over the years, pasted as one step into the large sheet.
+void BM_Paste10000RowsIntoLargeSheet(benchmark::State& state) {
+    const std::string clipboard = generatedTimeSheetText(10000, 7);
+    timedThenUndone(state, [&clipboard](tkTimeSheet& sheet) { sheet.pasteText(clipboard); });
+}
+BENCHMARK(BM_Paste10000RowsIntoLargeSheet)->Unit(benchmark::kMillisecond)->Iterations(5);
 
 }  // namespace

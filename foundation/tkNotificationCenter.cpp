@@ -16,6 +16,7 @@ void tkNotificationCenter::addObserver(tkObserver* observer, tkHandler handler,
     // same key, so that handlers run in the order they registered.
     auto entry = std::make_shared<const Entry>(Entry{observer, std::move(handler)});
     const uint64_t sequence = _nextSequence++;
+    ++observerCounts_[name];
     if (sender != nullptr) {
         objectDispatchTable.emplace(ObjectKey{sender, name, sequence}, std::move(entry));
     } else {
@@ -31,6 +32,7 @@ void tkNotificationCenter::removeObserver(tkObserver* observer, const std::strin
                it->first.name == name) {
             if (it->second->observer == observer) {
                 it = objectDispatchTable.erase(it);
+                --observerCounts_[name];
             } else {
                 ++it;
             }
@@ -42,6 +44,7 @@ void tkNotificationCenter::removeObserver(tkObserver* observer, const std::strin
     while (it != anyObjectDispatchTable.end() && it->first.name == name) {
         if (it->second->observer == observer) {
             it = anyObjectDispatchTable.erase(it);
+            --observerCounts_[name];
         } else {
             ++it;
         }
@@ -113,6 +116,10 @@ void tkNotificationCenter::postNotification(const tkNotification& note) {
         entry->handler(note);
         it = anyObjectDispatchTable.upper_bound(AnyKeyView{name, delivered});
     }
+}
+
+const size_t& tkNotificationCenter::observerCount(const std::string& name) {
+    return observerCounts_[name];
 }
 
 void tkNotificationCenter::suspendEvent(const std::string& name) {

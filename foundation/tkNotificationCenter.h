@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "foundation/tkNotification.h"
 #include "foundation/tkObserver.h"
@@ -48,6 +49,12 @@ class tkNotificationCenter {
     void removeObserver(tkObserver* observer, const std::string& name, const void* sender);
 
     void postNotification(const tkNotification& note);
+
+    // The number of registrations under a name, for any sender and for given ones together,
+    // kept current as observers come and go. The reference stays valid for the center's life,
+    // so that a poster that posts in bulk can keep it and, while it reads 0, skip building
+    // notifications that nobody would hear.
+    const size_t& observerCount(const std::string& name);
 
     // Names in this set are dropped at posting until resumed.
     void suspendEvent(const std::string& name);
@@ -120,6 +127,8 @@ class tkNotificationCenter {
 
     ObjectTable objectDispatchTable;
     AnyTable anyObjectDispatchTable;
+    // Node-based, so the counts never move.
+    std::unordered_map<std::string, size_t> observerCounts_;
     std::set<std::string> suspendedEvents;
     bool _suspended = false;
     uint64_t _nextSequence = 1;

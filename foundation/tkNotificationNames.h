@@ -19,6 +19,9 @@ inline constexpr const char* kTimeSheetSelectionChanged = "Time sheet selection 
 inline constexpr const char* kTimeSheetBeganCompoundEdit = "Time sheet began compound edit.";
 // Sender: the tkTimeSheet.
 inline constexpr const char* kTimeSheetEndedCompoundEdit = "Time sheet ended compound edit.";
+// Sender: the tkTimeSheet, when the outermost change of many steps is over
+// (see tkTimeSheet::BulkChange): the data layer saves what it held back.
+inline constexpr const char* kTimeSheetBulkChangeEnded = "Time sheet bulk change ended.";
 // Sender: the tkUndoManager.
 inline constexpr const char* kUndoStackChanged = "Undo stack changed.";
 // Sender: the tkTimer, or the tkTimerArray.

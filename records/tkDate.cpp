@@ -1,11 +1,13 @@
 #include "records/tkDate.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <ctime>
 
 #include "foundation/StringFormatException.h"
 #include "foundation/tkClock.h"
-#include "foundation/tkStrings.h"
+#include "records/tkInternedText.h"
 #include "records/tkLeadingNumber.h"
 #include "records/tkRecordFields.h"
 
@@ -64,6 +66,11 @@ int64_t nowInSeconds() {
         --seconds;
     }
     return seconds;
+}
+
+// A plain decimal number, as intToString writes it.
+char* writeNumber(char* out, int32_t value) {
+    return std::to_chars(out, out + 11, value).ptr;  // "-2147483648" is the longest
 }
 
 const std::string& dateFieldName() {
@@ -132,10 +139,23 @@ void tkDate::setFromString(const std::string& text) {
 }
 
 const std::string& tkDate::toString() const {
-    if (text_.empty()) {
-        text_ = intToString(month_) + "/" + intToString(day_) + "/" + intToString(year_ % 100);
+    if (text_ == 0) {
+        char text[kMaxTextLength];
+        text_ = internText(std::string_view(text, static_cast<size_t>(writeText(text) - text)));
     }
-    return text_;
+    return internedText(text_);
+}
+
+char* tkDate::writeText(char* out) const {
+    if (text_ != 0) {
+        const std::string& text = internedText(text_);
+        return std::copy(text.begin(), text.end(), out);
+    }
+    out = writeNumber(out, month_);
+    *out++ = '/';
+    out = writeNumber(out, day_);
+    *out++ = '/';
+    return writeNumber(out, year_ % 100);
 }
 
 bool tkDate::isAcceptable(const std::string&) const {

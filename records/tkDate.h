@@ -28,6 +28,11 @@ class tkDate : public tkStringConvertible {
     void setFromString(const std::string& text) override;
     // Rendered on first use and cached for the life of the object.
     const std::string& toString() const override;
+    // The most bytes that toString() can give: three numbers of 32 bits and two slashes.
+    static constexpr size_t kMaxTextLength = 35;
+    // Writes what toString() gives at `out`, which has room for kMaxTextLength bytes, and
+    // returns the end, caching nothing: the time sheet's file text renders every date so.
+    char* writeText(char* out) const;
     bool isAcceptable(const std::string& text) const override;
     std::string sanitize(const std::string& text) const override;
     const std::string& fieldName() const override;
@@ -47,5 +52,6 @@ class tkDate : public tkStringConvertible {
     int32_t day_ = 0;
     int32_t month_ = 0;
     int32_t year_ = 0;
-    mutable std::string text_;
+    // The cached text, as its number among the interned texts; 0 until first asked for.
+    mutable uint32_t text_ = 0;
 };

@@ -4,8 +4,7 @@
 
 #include "records/tkRecordFields.h"
 
-tkDescription::tkDescription(std::string text)
-    : tkRecordItem(kFieldDescription, kMaxLength, std::move(text)) {}
+tkDescription::tkDescription(std::string text) : tkRecordItem(kMaxLength, std::move(text)) {}
 
 std::shared_ptr<tkStringConvertible> tkDescription::create(const std::string& text) const {
     return std::make_shared<tkDescription>(text);
@@ -13,4 +12,9 @@ std::shared_ptr<tkStringConvertible> tkDescription::create(const std::string& te
 
 std::shared_ptr<tkStringConvertible> tkDescription::clone() const {
     return std::make_shared<tkDescription>(toString());
+}
+
+const std::string& tkDescription::fieldName() const {
+    static const std::string name = kFieldDescription;
+    return name;
 }

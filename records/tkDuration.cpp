@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "foundation/tkStrings.h"
+#include "records/tkInternedText.h"
 #include "records/tkLeadingNumber.h"
 #include "records/tkRecordFields.h"
 
@@ -15,16 +16,13 @@ const std::string& durationFieldName() {
     return name;
 }
 
-// One part of the text form, appended: at least two digits. The test is signed, so a negative
-// part gets a "0" in front too ("0-5"). Appended in place rather than joined from strings, as
-// every duration read renders once.
-void appendPart(std::string& text, int32_t value) {
-    char digits[12];  // "-2147483648" is the longest
-    const char* const end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+// One part of the text form: at least two digits. The test is signed, so a negative part gets
+// a "0" in front too ("0-5").
+char* writePart(char* out, int32_t value) {
     if (value <= 9) {
-        text += '0';
+        *out++ = '0';
     }
-    text.append(digits, static_cast<size_t>(end - digits));
+    return std::to_chars(out, out + 11, value).ptr;  // "-2147483648" is the longest
 }
 
 // Clock parts are read as long and kept in 32 bits; a number too big for that wraps instead
@@ -91,11 +89,20 @@ void tkDuration::setFromString(const std::string& text) {
     }
     // The parts stay as read: "1:90" is 1 hour and 90 minutes, and renders so.
     totalFromParts();
-    render();
 }
 
 const std::string& tkDuration::toString() const {
-    return text_;
+    char text[kMaxTextLength];
+    return internedText(
+        internText(std::string_view(text, static_cast<size_t>(writeText(text) - text))));
+}
+
+char* tkDuration::writeText(char* out) const {
+    out = writePart(out, hours_);
+    *out++ = ':';
+    out = writePart(out, minutes_);
+    *out++ = ':';
+    return writePart(out, seconds_);
 }
 
 bool tkDuration::isAcceptable(const std::string&) const {
@@ -121,7 +128,6 @@ std::shared_ptr<tkStringConvertible> tkDuration::clone() const {
 void tkDuration::setTotalSeconds(int32_t totalSeconds) {
     totalSeconds_ = totalSeconds;
     partsFromTotal();
-    render();
 }
 
 bool tkDuration::isEqual(const tkDuration& other) const {
@@ -147,13 +153,4 @@ void tkDuration::totalFromParts() {
     const int64_t total = static_cast<int64_t>(minutes_) * 60 +
                           static_cast<int64_t>(hours_) * 3600 + static_cast<int64_t>(seconds_);
     totalSeconds_ = static_cast<int32_t>(total);
-}
-
-void tkDuration::render() {
-    text_.clear();
-    appendPart(text_, hours_);
-    text_ += ':';
-    appendPart(text_, minutes_);
-    text_ += ':';
-    appendPart(text_, seconds_);
 }

@@ -21,7 +21,14 @@ class tkDuration : public tkStringConvertible {
     // old seconds). Other text is decimal hours, truncated, never rounded; unreadable text
     // writes a line to standard output and keeps the old parts. Never throws.
     void setFromString(const std::string& text) override;
+    // The text of the parts as they stand, kept among the interned texts.
     const std::string& toString() const override;
+    // The most bytes that toString() can give: three parts of up to twelve and two colons.
+    static constexpr size_t kMaxTextLength = 38;
+    // Writes what toString() gives at `out`, which has room for kMaxTextLength bytes, and
+    // returns the end, without looking the text up: the time sheet's file text renders every
+    // duration so.
+    char* writeText(char* out) const;
     bool isAcceptable(const std::string& text) const override;
     std::string sanitize(const std::string& text) const override;
     const std::string& fieldName() const override;
@@ -44,11 +51,9 @@ class tkDuration : public tkStringConvertible {
   private:
     void partsFromTotal();
     void totalFromParts();
-    void render();
 
     int32_t totalSeconds_ = 0;
     int32_t hours_ = 0;
     int32_t minutes_ = 0;
     int32_t seconds_ = 0;
-    std::string text_;
 };

@@ -3,7 +3,7 @@
 #include "records/tkKnownRecordItems.h"
 #include "records/tkRecordFields.h"
 
-tkEmployee::tkEmployee(const std::string& text) : tkRecordItem(kFieldEmployee, kMaxLength, text) {}
+tkEmployee::tkEmployee(const std::string& text) : tkRecordItem(kMaxLength, text) {}
 
 std::shared_ptr<tkStringConvertible> tkEmployee::create(const std::string& text) const {
     // Billing codes are interned: one shared object per code, added to the list when new.
@@ -12,4 +12,9 @@ std::shared_ptr<tkStringConvertible> tkEmployee::create(const std::string& text)
 
 std::shared_ptr<tkStringConvertible> tkEmployee::clone() const {
     return create(toString());
+}
+
+const std::string& tkEmployee::fieldName() const {
+    static const std::string name = kFieldEmployee;
+    return name;
 }

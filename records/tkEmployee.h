@@ -16,4 +16,6 @@ class tkEmployee : public tkRecordItem {
 
     std::shared_ptr<tkStringConvertible> create(const std::string& text) const override;
     std::shared_ptr<tkStringConvertible> clone() const override;
+    const std::string& fieldName() const override;
+    int32_t maxLength() const override { return kMaxLength; }
 };

@@ -3,7 +3,7 @@
 #include "records/tkKnownRecordItems.h"
 #include "records/tkRecordFields.h"
 
-tkFeeCode::tkFeeCode(const std::string& text) : tkRecordItem(kFieldFeeCode, kMaxLength, text) {}
+tkFeeCode::tkFeeCode(const std::string& text) : tkRecordItem(kMaxLength, text) {}
 
 std::shared_ptr<tkStringConvertible> tkFeeCode::create(const std::string& text) const {
     // Billing codes are interned: one shared object per code, added to the list when new.
@@ -12,4 +12,9 @@ std::shared_ptr<tkStringConvertible> tkFeeCode::create(const std::string& text) 
 
 std::shared_ptr<tkStringConvertible> tkFeeCode::clone() const {
     return create(toString());
+}
+
+const std::string& tkFeeCode::fieldName() const {
+    static const std::string name = kFieldFeeCode;
+    return name;
 }

@@ -3,8 +3,7 @@
 #include "records/tkKnownRecordItems.h"
 #include "records/tkRecordFields.h"
 
-tkJobNumber::tkJobNumber(const std::string& text)
-    : tkRecordItem(kFieldJobNumber, kMaxLength, text) {}
+tkJobNumber::tkJobNumber(const std::string& text) : tkRecordItem(kMaxLength, text) {}
 
 std::shared_ptr<tkStringConvertible> tkJobNumber::create(const std::string& text) const {
     // Billing codes are interned: one shared object per code, added to the list when new.
@@ -13,4 +12,9 @@ std::shared_ptr<tkStringConvertible> tkJobNumber::create(const std::string& text
 
 std::shared_ptr<tkStringConvertible> tkJobNumber::clone() const {
     return create(toString());
+}
+
+const std::string& tkJobNumber::fieldName() const {
+    static const std::string name = kFieldJobNumber;
+    return name;
 }

@@ -250,6 +250,7 @@ void tkKnownRecordItems::renameAt(const std::string& typeName, int32_t index,
     // takeAt forgot the finds already; the renamed object may be found under its new text.
     // Renamed in place: every record sharing the object shows the new code at once.
     item->setFromString(toUpperCase(newText));
+    ++renameCount_;
     // If the new code is listed already, the list keeps its object and the renamed one lives
     // on only in the records that hold it. Deliberately no merge.
     map.emplace(item->text(), item);

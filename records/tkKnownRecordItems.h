@@ -71,6 +71,9 @@ class tkKnownRecordItems : public ItkXMLCreatable {
     // the new key is taken already the renamed object leaves the list and the list keeps the
     // other one: no merge. An index out of range changes nothing.
     void renameAt(const std::string& typeName, int32_t index, const std::string& newText);
+    // How many renames there have been: the one way a record's text changes without a post
+    // of the record, which a holder of rendered record text must check.
+    uint64_t renameCount() const { return renameCount_; }
     // Removes the code unless something besides the list still holds it (a record, a timer,
     // the default record, undo history). False when refused or out of range.
     bool removeAt(const std::string& typeName, int32_t index);
@@ -112,6 +115,7 @@ class tkKnownRecordItems : public ItkXMLCreatable {
     void markDirty();
 
     bool addAllowed_ = true;
+    uint64_t renameCount_ = 0;
     Map employees_;
     Map jobNumbers_;
     Map feeCodes_;

@@ -20,17 +20,29 @@ std::shared_ptr<Code> internedOrPrivate(std::shared_ptr<Code> interned, const st
     return std::make_shared<Code>(toUpperCase(text));
 }
 
+// The empty code of a new record: the record's own and not the list's empty entry, which would
+// otherwise be held, and so in use, by every new record. One unlisted object of each kind
+// serves them all, since nothing changes a code's text but a rename in the lists.
+template <class Code>
+const std::shared_ptr<Code>& unlistedEmpty() {
+    static const std::shared_ptr<Code> empty = std::make_shared<Code>();
+    return empty;
+}
+
+tkDate today() {
+    return tkDate(std::string());
+}
+
 }  // namespace
 
 tkRecord::tkRecord()
-    : date_(std::make_shared<tkDate>(std::string())),
-      duration_(std::make_shared<tkDuration>(std::string("0.0"))),
-      description_(std::make_shared<tkDescription>()),
-      employee_(std::make_shared<tkEmployee>()),
-      jobNumber_(std::make_shared<tkJobNumber>()),
-      feeCode_(std::make_shared<tkFeeCode>()) {}
+    : date_(today()),
+      duration_(int32_t{0}),
+      employee_(unlistedEmpty<tkEmployee>()),
+      jobNumber_(unlistedEmpty<tkJobNumber>()),
+      feeCode_(unlistedEmpty<tkFeeCode>()) {}
 
-tkRecord::tkRecord(Unset) {}
+tkRecord::tkRecord(Unset) : date_(0, 0, 0), duration_(int32_t{0}) {}
 
 tkRecord::tkRecord(const tkTagNode& node) : tkRecord(Unset{}) {
     fromTag(node);
@@ -39,19 +51,13 @@ tkRecord::tkRecord(const tkTagNode& node) : tkRecord(Unset{}) {
 tkRecord::tkRecord(std::shared_ptr<tkDate> date, std::shared_ptr<tkDuration> duration,
                    std::shared_ptr<tkEmployee> employee, std::shared_ptr<tkJobNumber> jobNumber,
                    std::shared_ptr<tkFeeCode> feeCode, std::shared_ptr<tkDescription> description)
-    : date_(std::move(date)),
-      duration_(std::move(duration)),
-      description_(std::move(description)),
+    : date_(date ? *date : today()),
+      duration_(duration ? *duration : tkDuration(int32_t{0})),
+      description_(description ? *description : tkDescription()),
       employee_(std::move(employee)),
       jobNumber_(std::move(jobNumber)),
       feeCode_(std::move(feeCode)) {
     // Keep the promise that no field is null, whatever the caller handed in.
-    if (!date_)
-        date_ = std::make_shared<tkDate>(std::string());
-    if (!duration_)
-        duration_ = std::make_shared<tkDuration>(0);
-    if (!description_)
-        description_ = std::make_shared<tkDescription>();
     if (!employee_)
         employee_ = std::make_shared<tkEmployee>();
     if (!jobNumber_)
@@ -63,16 +69,32 @@ tkRecord::tkRecord(std::shared_ptr<tkDate> date, std::shared_ptr<tkDuration> dur
 tkRecord::tkRecord(const std::string& date, const std::string& duration,
                    const std::string& employee, const std::string& jobNumber,
                    const std::string& feeCode, std::string description)
-    : date_(std::make_shared<tkDate>(date)),
-      duration_(std::make_shared<tkDuration>(duration)),
-      description_(std::make_shared<tkDescription>(std::move(description))) {
+    : date_(date), duration_(duration), description_(std::move(description)) {
     tkKnownRecordItems& known = tkKnownRecordItems::instance();
     employee_ = internedOrPrivate(known.getOrAddEmployee(employee), employee);
     jobNumber_ = internedOrPrivate(known.getOrAddJobNumber(jobNumber), jobNumber);
     feeCode_ = internedOrPrivate(known.getOrAddFeeCode(feeCode), feeCode);
 }
 
-tkRecord::tkRecord(const tkRecord& other) : ItkXMLCreatable() {
+tkRecord::tkRecord(const std::array<std::string_view, 6>& fieldTexts)
+    // Today is not looked up for a date that is set before anyone can see the record.
+    : date_(std::string(fieldTexts[0])),
+      duration_(int32_t{0}),
+      employee_(unlistedEmpty<tkEmployee>()),
+      jobNumber_(unlistedEmpty<tkJobNumber>()),
+      feeCode_(unlistedEmpty<tkFeeCode>()) {
+    post();
+    duration_ = tkDuration(std::string(fieldTexts[1]));
+    post();
+    setEmployeeText(fieldTexts[2]);
+    setJobNumberText(fieldTexts[3]);
+    setFeeCodeText(fieldTexts[4]);
+    description_ = tkDescription(std::string(fieldTexts[5]));
+    post();
+}
+
+tkRecord::tkRecord(const tkRecord& other)
+    : ItkXMLCreatable(), date_(0, 0, 0), duration_(int32_t{0}) {
     copyFrom(other);
 }
 
@@ -114,16 +136,17 @@ void tkRecord::fromTag(const tkTagNode& node) {
         setField(field, canonical);
     }
     // Kept for data files that carry it; nothing writes it.
-    sheetId_ = node.childText(kRecordSheetId, std::string());
+    std::string sheetId = node.childText(kRecordSheetId, std::string());
+    sheetId_ = sheetId.empty() ? nullptr : std::make_unique<std::string>(std::move(sheetId));
 }
 
 tkStringConvertible* tkRecord::getField(const std::string& name) const {
     if (name == kFieldDate)
-        return date_.get();
+        return &date_;
     if (name == kFieldDescription)
-        return description_.get();
+        return &description_;
     if (name == kFieldDuration)
-        return duration_.get();
+        return &duration_;
     if (name == kFieldEmployee)
         return employee_.get();
     if (name == kFieldFeeCode)
@@ -135,45 +158,79 @@ tkStringConvertible* tkRecord::getField(const std::string& name) const {
 
 std::shared_ptr<tkStringConvertible> tkRecord::setField(const std::string& name,
                                                         const std::string& text) {
-    // The previous object is handed back alive, so a caller can compare it or keep it for undo.
-    tkKnownRecordItems& known = tkKnownRecordItems::instance();
+    // The previous value is handed back alive, so a caller can compare it or keep it for undo:
+    // a copy for the values that live in the record, the object itself for a code.
     std::shared_ptr<tkStringConvertible> old;
     if (name == kFieldDate) {
-        old = date_;
-        setDate(std::make_shared<tkDate>(text));
-    } else if (name == kFieldDescription) {
-        old = description_;
-        setDescription(std::make_shared<tkDescription>(text));
+        // A date without '/' throws before anything changed.
+        tkDate date(text);
+        old = std::make_shared<tkDate>(date_);
+        date_ = date;
+        post();
+        return old;
+    }
+    if (name == kFieldDescription) {
+        old = std::make_shared<tkDescription>(description_);
     } else if (name == kFieldDuration) {
-        old = duration_;
-        setDuration(std::make_shared<tkDuration>(text));
+        old = std::make_shared<tkDuration>(duration_);
     } else if (name == kFieldEmployee) {
         old = employee_;
-        setEmployee(internedOrPrivate(known.getOrAddEmployee(text), text));
     } else if (name == kFieldFeeCode) {
         old = feeCode_;
-        setFeeCode(internedOrPrivate(known.getOrAddFeeCode(text), text));
     } else if (name == kFieldJobNumber) {
         old = jobNumber_;
-        setJobNumber(internedOrPrivate(known.getOrAddJobNumber(text), text));
     }
+    assignField(name, text);
     return old;
+}
+
+bool tkRecord::assignField(const std::string& name, const std::string& text) {
+    if (name == kFieldDate) {
+        date_ = tkDate(text);
+        post();
+    } else if (name == kFieldDescription) {
+        description_ = tkDescription(text);
+        post();
+    } else if (name == kFieldDuration) {
+        duration_ = tkDuration(text);
+        post();
+    } else if (name == kFieldEmployee) {
+        setEmployeeText(text);
+    } else if (name == kFieldFeeCode) {
+        setFeeCodeText(text);
+    } else if (name == kFieldJobNumber) {
+        setJobNumberText(text);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void tkRecord::setEmployeeText(std::string_view text) {
+    const std::string code(text);
+    setEmployee(internedOrPrivate(tkKnownRecordItems::instance().getOrAddEmployee(code), code));
+}
+
+void tkRecord::setJobNumberText(std::string_view text) {
+    const std::string code(text);
+    setJobNumber(internedOrPrivate(tkKnownRecordItems::instance().getOrAddJobNumber(code), code));
+}
+
+void tkRecord::setFeeCodeText(std::string_view text) {
+    const std::string code(text);
+    setFeeCode(internedOrPrivate(tkKnownRecordItems::instance().getOrAddFeeCode(code), code));
 }
 
 void tkRecord::copyFrom(const tkRecord& other) {
     // New private values, built from the other's numbers and text (the date's text cache is
     // not carried over); the billing codes are shared so copies stay tied to the same codes.
-    auto date =
-        std::make_shared<tkDate>(other.date_->month(), other.date_->day(), other.date_->year());
-    auto duration = std::make_shared<tkDuration>(other.duration_->totalSeconds());
-    auto description = std::make_shared<tkDescription>(other.description_->text());
-    date_ = std::move(date);
-    duration_ = std::move(duration);
-    description_ = std::move(description);
+    date_ = tkDate(other.date_.month(), other.date_.day(), other.date_.year());
+    duration_ = tkDuration(other.duration_.totalSeconds());
+    description_ = tkDescription(other.description_.text());
     employee_ = other.employee_;
     jobNumber_ = other.jobNumber_;
     feeCode_ = other.feeCode_;
-    sheetId_ = other.sheetId_;
+    sheetId_ = other.sheetId_ ? std::make_unique<std::string>(*other.sheetId_) : nullptr;
 }
 
 void tkRecord::noteEdited() {
@@ -181,17 +238,17 @@ void tkRecord::noteEdited() {
 }
 
 void tkRecord::setDate(std::shared_ptr<tkDate> date) {
-    date_ = date ? std::move(date) : std::make_shared<tkDate>(std::string());
+    date_ = date ? *date : today();
     post();
 }
 
 void tkRecord::setDescription(std::shared_ptr<tkDescription> description) {
-    description_ = description ? std::move(description) : std::make_shared<tkDescription>();
+    description_ = description ? *description : tkDescription();
     post();
 }
 
 void tkRecord::setDuration(std::shared_ptr<tkDuration> duration) {
-    duration_ = duration ? std::move(duration) : std::make_shared<tkDuration>(0);
+    duration_ = duration ? *duration : tkDuration(int32_t{0});
     post();
 }
 
@@ -211,12 +268,17 @@ void tkRecord::setJobNumber(std::shared_ptr<tkJobNumber> jobNumber) {
 }
 
 bool tkRecord::operator==(const tkRecord& other) const {
-    return date_ == other.date_ && duration_ == other.duration_ && employee_ == other.employee_ &&
-           jobNumber_ == other.jobNumber_ && feeCode_ == other.feeCode_ &&
-           description_ == other.description_;
+    // The values that live in a record are the same objects only in the record itself.
+    return this == &other;
 }
 
 void tkRecord::post() {
-    // Posted on every set, changed or not: observers treat it as "look again".
-    tkNotificationCenter::instance().postNotification(tkNotification(kRecordWasEdited, this, 0));
+    // Posted on every set, changed or not: observers treat it as "look again". Reading a large
+    // time sheet posts this six times per row before anyone listens to the new records; while
+    // nobody listens at all, the post is answered here, without building a notification.
+    tkNotificationCenter& center = tkNotificationCenter::instance();
+    static const size_t& listeners = center.observerCount(kRecordWasEdited);
+    if (listeners != 0) {
+        center.postNotification(tkNotification(kRecordWasEdited, this, 0));
+    }
 }

@@ -4,10 +4,10 @@
 
 #include "foundation/tkStrings.h"
 
-tkRecordItem::tkRecordItem(std::string name, int32_t maxLength, std::string initialText)
-    : name_(std::move(name)), maxLength_(maxLength), text_(std::move(initialText)) {
+tkRecordItem::tkRecordItem(int32_t maxLength, std::string initialText)
+    : text_(std::move(initialText)) {
     // Construction always uses this class's own rule, never an override of sanitize().
-    sanitizeInPlace(text_, maxLength_);
+    sanitizeInPlace(text_, maxLength);
 }
 
 void tkRecordItem::setFromString(const std::string& text) {
@@ -21,12 +21,12 @@ const std::string& tkRecordItem::toString() const {
 bool tkRecordItem::isAcceptable(const std::string& text) const {
     // Deliberately one short of what sanitize() keeps: an item of exactly maxLength bytes is
     // stored whole but not "acceptable".
-    return static_cast<int64_t>(text.size()) < maxLength_;
+    return static_cast<int64_t>(text.size()) < maxLength();
 }
 
 std::string tkRecordItem::sanitize(const std::string& text) const {
     std::string result = text;
-    sanitizeInPlace(result, maxLength_);
+    sanitizeInPlace(result, maxLength());
     return result;
 }
 
@@ -46,10 +46,6 @@ void tkRecordItem::sanitizeInPlace(std::string& text, int32_t maxLength) {
     if (maxLength >= 0 && text.size() > static_cast<size_t>(maxLength)) {
         text.resize(static_cast<size_t>(maxLength));
     }
-}
-
-const std::string& tkRecordItem::fieldName() const {
-    return name_;
 }
 
 bool tkRecordItem::isEqual(const tkRecordItem& other) const {

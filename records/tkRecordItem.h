@@ -5,13 +5,13 @@
 
 #include "records/tkStringConvertible.h"
 
-// A plain-text field value with a field name and a maximum length in bytes. The empty text
-// means "no value".
+// A plain-text field value with a field name and a maximum length in bytes, both given by its
+// class. The empty text means "no value".
 class tkRecordItem : public tkStringConvertible {
   public:
-    // Stores name and maxLength, then the sanitised initial text (taken over, not copied, when
-    // it needs no change).
-    tkRecordItem(std::string name, int32_t maxLength, std::string initialText);
+    // Stores the initial text, sanitised by the class's limit (taken over, not copied, when it
+    // needs no change).
+    tkRecordItem(int32_t maxLength, std::string initialText);
 
     // text := sanitize(text)
     void setFromString(const std::string& text) override;
@@ -22,7 +22,6 @@ class tkRecordItem : public tkStringConvertible {
     // Tab, line feed and carriage return become blanks, then the text is cut to maxLength
     // bytes. The result can never break the tab-delimited line form of a record.
     std::string sanitize(const std::string& text) const override;
-    const std::string& fieldName() const override;
 
     // compareText(other) == 0
     virtual bool isEqual(const tkRecordItem& other) const;
@@ -31,14 +30,13 @@ class tkRecordItem : public tkStringConvertible {
     // Like compare(), but doesn't look at the field names.
     virtual int32_t compareText(const tkRecordItem& other) const;
 
-    int32_t maxLength() const { return maxLength_; }
+    // The class's limit. Not a member: a description is part of every time sheet row.
+    virtual int32_t maxLength() const = 0;
     const std::string& text() const { return text_; }
 
   private:
     // sanitize() done on the text itself.
     static void sanitizeInPlace(std::string& text, int32_t maxLength);
 
-    std::string name_;
-    int32_t maxLength_;
     std::string text_;
 };

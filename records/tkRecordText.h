@@ -13,11 +13,13 @@ class tkTagNode;
 std::string toTabLine(const tkRecord& record, bool useDisplayDate);
 std::string toTabLine(const tkRecord& record);
 
-// A new record from a line of exactly five tabs. Throws StringFormatException with
-// "Not enough tabs in line: " or "Too many tabs in line: " and the whole line, or the date's
-// own error; nothing partial reaches the caller. Unknown billing codes join the known lists;
-// an empty date is today, an empty duration zero. With useDisplayDate the date is first
-// turned back from the user's form through the installed date formatter.
+// A new record from a line of exactly five tabs: a default record whose six fields are then
+// set in field order, each posting "Record was edited." as setField does. Throws
+// StringFormatException with "Not enough tabs in line: " or "Too many tabs in line: " and the
+// whole line, or the date's own error; nothing partial reaches the caller. Unknown billing
+// codes join the known lists; an empty date is today, an empty duration zero. With
+// useDisplayDate the date is first turned back from the user's form through the installed
+// date formatter.
 std::unique_ptr<tkRecord> fromTabLine(const std::string& line, bool useDisplayDate);
 std::unique_ptr<tkRecord> fromTabLine(const std::string& line);
 // The same record, for a line that lies inside a larger text (a whole file being read) and

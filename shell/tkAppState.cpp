@@ -18,17 +18,34 @@ tkAppState::tkAppState() {
     setTimersSaver([] { saveTimers(); });
 }
 
+namespace {
+
+// While the time sheet is in a change of many steps, its saves wait for its end, and so do
+// those of the preferences: every new billing code that a paste or a load brings marks them
+// dirty, and one write at the end holds them all.
+bool savesWait() {
+    return tkTimeSheet::instance().isInBulkChange();
+}
+
+}  // namespace
+
 void tkAppState::attachPreferencesHandlers() {
     tkNotificationCenter& center = tkNotificationCenter::instance();
-    const tkHandler save = [](const tkNotification&) { savePreferences(); };
+    const tkHandler save = [](const tkNotification&) {
+        if (!savesWait()) {
+            savePreferences();
+        }
+    };
     center.addObserver(this, save, kPreferencesChanged, &tkPreferences::instance());
     center.addObserver(this, save, kDefaultRecordChanged, nullptr);
+    center.addObserver(this, save, kTimeSheetBulkChangeEnded, &tkTimeSheet::instance());
 }
 
 void tkAppState::detachPreferencesHandlers() {
     tkNotificationCenter& center = tkNotificationCenter::instance();
     center.removeObserver(this, kPreferencesChanged, &tkPreferences::instance());
     center.removeObserver(this, kDefaultRecordChanged, nullptr);
+    center.removeObserver(this, kTimeSheetBulkChangeEnded, &tkTimeSheet::instance());
 }
 
 void tkAppState::attachTimersHandler() {
@@ -41,7 +58,13 @@ void tkAppState::detachTimersHandler() {
 }
 
 void tkAppState::attachTimeSheetHandler() {
-    tkNotificationCenter::instance().addObserver(
-        this, [](const tkNotification&) { saveTimeSheet(); }, kTimeSheetBecameDirty,
-        &tkTimeSheet::instance());
+    tkNotificationCenter& center = tkNotificationCenter::instance();
+    tkTimeSheet& sheet = tkTimeSheet::instance();
+    const tkHandler save = [](const tkNotification&) {
+        if (!savesWait()) {
+            saveTimeSheet();
+        }
+    };
+    center.addObserver(this, save, kTimeSheetBecameDirty, &sheet);
+    center.addObserver(this, save, kTimeSheetBulkChangeEnded, &sheet);
 }

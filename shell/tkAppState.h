@@ -10,6 +10,9 @@ class tkAppState : public tkObserver {
 
     // savePreferences on "Chronolet Plus preferences changed." from the
     // preferences object and on "Note: default record changed." from anyone.
+    // While the time sheet is in a bulk change (see tkTimeSheet::BulkChange)
+    // these saves, and those of the time sheet, wait for "Time sheet bulk
+    // change ended." and are then done once.
     void attachPreferencesHandlers();
     void detachPreferencesHandlers();
 

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <set>
 
 #include "foundation/IOException.h"
@@ -32,6 +33,9 @@ struct DataLayerState {
     bool noPreferencesFound = false;
     // Set while rows are read into the sheet; see saveTimeSheet.
     bool sheetSavesHeld = false;
+    // Set during a switch, whose load brings new billing codes: the
+    // preferences are written once, when they name the new sheet.
+    bool preferenceSavesHeld = false;
     // Files that could not be read in this run, never to be written over.
     std::set<std::string> keptAsFound;
     // File -> the failure last reported for it, so that each is told once.
@@ -43,15 +47,16 @@ DataLayerState& state() {
     return layerState;
 }
 
-// Holds the sheet's saves for its life.
-class SheetSavesHeld {
+// Holds one kind of save (the flag given) for its life.
+class SavesHeld {
   public:
-    SheetSavesHeld() : _wasHeld(state().sheetSavesHeld) { state().sheetSavesHeld = true; }
-    ~SheetSavesHeld() { state().sheetSavesHeld = _wasHeld; }
-    SheetSavesHeld(const SheetSavesHeld&) = delete;
-    SheetSavesHeld& operator=(const SheetSavesHeld&) = delete;
+    explicit SavesHeld(bool& held) : _held(held), _wasHeld(held) { _held = true; }
+    ~SavesHeld() { _held = _wasHeld; }
+    SavesHeld(const SavesHeld&) = delete;
+    SavesHeld& operator=(const SavesHeld&) = delete;
 
   private:
+    bool& _held;
     bool _wasHeld;
 };
 
@@ -101,11 +106,12 @@ void reportSaveFailure(const std::string& path, const tkException& error) {
 
 enum class Guard { DataFolder, TimeSheet };
 
-// Writes the text that `makeText` builds to the data file at `path`, under
+// Writes the text that `makeText` gives (built into its scratch string, or
+// one the model keeps) to the data file at `path`, under
 // the lock that guards it. True when written; otherwise the failure was
 // reported and nothing on disk changed.
 bool writeDataFile(const std::string& path, Guard guard,
-                   const std::function<std::string()>& makeText) {
+                   const std::function<const std::string&(std::string& scratch)>& makeText) {
     tkFileManager& manager = tkFileManager::instance();
     try {
         if (state().keptAsFound.count(path) != 0) {
@@ -125,7 +131,8 @@ bool writeDataFile(const std::string& path, Guard guard,
             throw IOException("Could not create the folder " + file->directory() + " for " + path +
                               ".");
         }
-        manager.replaceFile(*file, makeText());
+        std::string scratch;
+        manager.replaceFile(*file, makeText(scratch));
     } catch (const tkException& error) {
         reportSaveFailure(path, error);
         return false;
@@ -137,7 +144,7 @@ bool writeDataFile(const std::string& path, Guard guard,
 // Reads the sheet's text into the time sheet without writing the sheet per
 // row. A text that can't be read keeps the file as it was found.
 void readRowsOf(const std::string& path, const std::string& text) {
-    SheetSavesHeld held;
+    SavesHeld held(state().sheetSavesHeld);
     try {
         tkTimeSheet::instance().readTabbedText(text);
     } catch (const StringFormatException& error) {
@@ -299,7 +306,8 @@ int32_t switchTimeSheet(const tkFile& file, bool load, bool create) {
     const bool hadLock = holdsTimeSheetLock(path);
     const bool wasDirty = sheet.isDirty();
     // Loading rows and rolling them back must not write either file per row.
-    SheetSavesHeld held;
+    std::optional<SavesHeld> preferencesHeld(std::in_place, state().preferenceSavesHeld);
+    SavesHeld held(state().sheetSavesHeld);
     std::set<const tkRecord*> present;
     bool rowsAdded = false;
     const auto rollBack = [&](const tkException& error) {
@@ -335,7 +343,7 @@ int32_t switchTimeSheet(const tkFile& file, bool load, bool create) {
             // The new file is written whole before the preferences name it,
             // so that a kill at any moment leaves them naming a file that
             // holds the rows.
-            manager.replaceFile(file, sheet.tabbedText());
+            manager.replaceFile(file, sheet.fileText());
         }
     } catch (const IOException& error) {
         rollBack(error);
@@ -351,7 +359,8 @@ int32_t switchTimeSheet(const tkFile& file, bool load, bool create) {
         return 4;
     }
     // Without a move: the user picked a file to use, not a new place for the
-    // old one.
+    // old one. This post writes the preferences, new codes and all, once.
+    preferencesHeld.reset();
     preferences.setTimeSheetFile(path, false);
     if (oldPath != path) {
         releaseTimeSheetLock(oldPath);
@@ -368,18 +377,22 @@ void saveTimers() {
         return;
     }
     if (writeDataFile(tkPreferences::instance().timersFile(), Guard::DataFolder,
-                      [&timers] { return timers.toTag()->toText(0); })) {
+                      [&timers](std::string& text) -> const std::string& {
+                          return text = timers.toTag()->toText(0);
+                      })) {
         timers.clearDirty();
     }
 }
 
 void savePreferences() {
     tkPreferences& preferences = tkPreferences::instance();
-    if (!preferences.isDirty()) {
+    if (!preferences.isDirty() || state().preferenceSavesHeld) {
         return;
     }
     if (writeDataFile(preferences.preferencesFile(), Guard::DataFolder,
-                      [&preferences] { return preferences.toTag()->toText(0); })) {
+                      [&preferences](std::string& text) -> const std::string& {
+                          return text = preferences.toTag()->toText(0);
+                      })) {
         preferences.setDirty(false);
     }
 }
@@ -389,8 +402,9 @@ void saveTimeSheet() {
     if (!sheet.isDirty() || state().sheetSavesHeld) {
         return;
     }
+    // The sheet keeps its file text between saves: no copy of it is made.
     if (writeDataFile(tkPreferences::instance().timeSheetFile(), Guard::TimeSheet,
-                      [&sheet] { return sheet.tabbedText(); })) {
+                      [&sheet](std::string&) -> const std::string& { return sheet.fileText(); })) {
         sheet.setDirty(false);
     }
 }

@@ -4,10 +4,12 @@
 #include <memory>
 #include <set>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "foundation/tkNotificationCenter.h"
+#include "timesheet/tkGapBuffer.h"
+#include "timesheet/tkGroupStarts.h"
+#include "timesheet/tkSheetRecordSet.h"
 #include "timesheet/tkTimeSheetTypes.h"
 
 class tkCompoundInsert;
@@ -58,7 +60,7 @@ class tkTimeSheet : public tkObserver {
     const std::string& sortBy() const { return sortBy_; }
     bool isDirty() const { return dirty_; }
     // A copy of the row vector; the records are shared, not copied.
-    tkRecordRows rows() const { return rows_; }
+    tkRecordRows rows() const { return rows_.toVector(); }
     // At-checked: std::out_of_range for a row past the end.
     std::shared_ptr<tkRecord> recordAtRow(uint32_t row) const;
     // The record's field of that name (null for an unknown name); the row is at-checked.
@@ -80,6 +82,15 @@ class tkTimeSheet : public tkObserver {
 
     // The whole file: each row's tab line (stored date form) and a line feed; "" when empty.
     std::string tabbedText() const;
+    // The same text without a copy, kept between saves so that a save after a small change
+    // doesn't build it anew: a row that comes or goes is spliced in or out, and only a change
+    // of many rows, a re-sort, an edit of a row's record or a renamed billing code makes it be
+    // built again when next asked for. The reference stays valid until the sheet changes.
+    //
+    // A record's text changes only through its setters (which post "Record was edited.") or
+    // by a rename in the known code lists; a record changed behind the sheet's back any other
+    // way is not seen here.
+    const std::string& fileText() const;
     // The clipboard text: each row of the selection in selection order, as a tab line and a
     // line feed; with useDisplayDate the date is in the user's form.
     std::string selectedRowsAsTabbedText(bool useDisplayDate) const;
@@ -94,7 +105,7 @@ class tkTimeSheet : public tkObserver {
     uint32_t rowOfGroupEntry(uint32_t g, uint32_t k) const;
     std::shared_ptr<tkRecord> recordInGroup(uint32_t g, uint32_t k) const;
     std::unique_ptr<tkDuration> totalDurationOfGroup(uint32_t g) const;
-    const std::vector<uint32_t>& groupStarts() const { return groupStarts_; }
+    const std::vector<uint32_t>& groupStarts() const { return groupStarts_.values(); }
 
     // ---- User operations: each is one undo step ----
 
@@ -146,6 +157,37 @@ class tkTimeSheet : public tkObserver {
     // Every child named "record" of node, in child order and unsorted, with the changes and
     // posts of addRecords; nothing goes on the undo stack.
     void addRecordsFromTags(const tkTagNode& node);
+
+    // ---- Changes of many steps ----
+    //
+    // One user action can change many rows: a compound edit between its brackets, its undo or
+    // redo, a paste or a load with the reading of its lines, the edit of one cell (which marks
+    // the sheet dirty twice). Such an action is a bulk change. The data layer holds back its
+    // saves while one is open, and when the outermost one ends the sheet posts "Time sheet
+    // bulk change ended.", at which the data layer writes once what changed. So an action of
+    // many rows costs one write of each file, and every change is still on disk before the
+    // action returns.
+
+    bool isInBulkChange() const { return bulkChanges_ > 0; }
+
+    // A bulk change of a sheet, open from construction to end(). A null sheet is allowed and
+    // does nothing.
+    class BulkChange {
+      public:
+        explicit BulkChange(tkTimeSheet* sheet);
+        // Closes it; the outermost one posts "Time sheet bulk change ended.", where the data
+        // layer saves, so this may throw what a save throws.
+        void end();
+        // Without end(), as when an exception passes, it ends all the same, so that what
+        // changed is saved; a save that fails then is not thrown over the exception, and
+        // what it held stays dirty for the next save.
+        ~BulkChange();
+        BulkChange(const BulkChange&) = delete;
+        BulkChange& operator=(const BulkChange&) = delete;
+
+      private:
+        tkTimeSheet* sheet_;
+    };
 
     // ---- Raw operations ----
 
@@ -199,40 +241,53 @@ class tkTimeSheet : public tkObserver {
     void recordWasEdited(const tkNotification& note);
     void postSheetNote(const tkNotification& note);
     tkRecordRows parseLines(const std::string& text, bool displayDates) const;
+    std::vector<uint32_t> addTextAsStep(const std::string& text, bool displayDates);
     void sortRecords(tkRecordRows& records) const;
     // inSheetOrder: the records are in the sheet's order, as sortRecords leaves them.
     void insertWithoutUndo(const tkRecordRows& records, bool inSheetOrder);
-    // insertRecord at a row already found.
-    uint32_t insertRecordAt(std::shared_ptr<tkRecord> record, uint32_t row);
+    // insertRecord at a row already found (observe), or insertRecordAtRow.
+    uint32_t insertRecordAt(std::shared_ptr<tkRecord> record, uint32_t row, bool observe);
     void reserveRows(size_t more);
+    // Keep fileText_ in step with a row that was just inserted or removed, before the post.
+    void spliceLineIn(uint32_t row);
+    void spliceLineOut(uint32_t row);
+    void dropFileText() const;
     void rebuildGroups();
     void updateGroupsAfterInsert(uint32_t row);
     void updateGroupsAfterRemove(uint32_t row);
 
     std::unique_ptr<tkUndoManager> undoManager_;
     std::string sortBy_;
-    tkRecordRows rows_;
-    std::vector<uint32_t> groupStarts_;
+    tkGapBuffer<std::shared_ptr<tkRecord>> rows_;
+    tkGroupStarts groupStarts_;
     tkRowSelection selection_;
     bool dirty_ = false;
     SortKind sortKind_ = SortKind::kNone;
+    uint32_t bulkChanges_ = 0;
 
-    // The records that insertRecord took in, each with the number of times it did. The sheet
-    // observes "Record was edited." from any sender once, and reacts for these records only,
-    // once per time taken in, as a registration per record would: that would cost a table
+    // Every record that entered the rows, with the number of times insertRecord took it in.
+    // The sheet observes "Record was edited." from any sender once, and reacts for these
+    // records only: an edit renews the file text, and marks the sheet dirty once per time
+    // taken in, as a registration per record would. Those registrations would cost a table
     // entry in the notification center for every row ever added, the larger part of a big
     // sheet's memory.
     //
-    // A record stays here when its row leaves (undo can bring it back, and edits of it still
-    // mark the sheet dirty, deliberately). Holding it keeps it alive, so no later object can
-    // turn up at its address and be taken for it.
-    struct ObservedRecord {
-        std::shared_ptr<tkRecord> record;
-        uint32_t times = 0;
-    };
-    std::unordered_map<const void*, ObservedRecord> observedRecords_;
+    // A record stays listed when its row leaves (undo can bring it back, and edits of it still
+    // mark the sheet dirty, deliberately).
+    tkSheetRecordSet knownRecords_;
+
+    // The file text, when fileTextValid_ (an empty sheet's empty text is valid from the
+    // start, so that a load builds it line by line as it goes). fileTextRenames_ is the known
+    // lists' rename count it was built at.
+    mutable std::string fileText_;
+    mutable bool fileTextValid_ = true;
+    mutable uint64_t fileTextRenames_ = 0;
+    // Bytes scanned and moved by splices since fileText() was last asked for. Once building
+    // the whole text would have been cheaper, the text is dropped and built when asked.
+    mutable size_t spliceWork_ = 0;
 
     const tkNotification becameDirtyNote_;
+    const tkNotification bulkChangeEndedNote_;
     const tkNotification selectionChangedNote_;
     const tkNotification sortByChangedNote_;
 };

@@ -128,14 +128,18 @@ TEST(tkNotificationCenterRemoval, ASenderRemovalAndAnAnySenderRemovalAreSeparate
     Journal journal;
     int sender = 0;
     Probe p("P", journal), other("O", journal);
+    // Counted under the name, whatever the sender; a bulk poster relies on the count.
+    const size_t& registered = tkNotificationCenter::instance().observerCount(kEvent);
     p.listen(kEvent, &sender);
     p.listen(kEvent, nullptr);
     other.listen(kEvent, &sender);
+    EXPECT_EQ(registered, 3u);
 
     tkStdoutCapture out;
     p.stop(kEvent, nullptr);
     post(kEvent, &sender);
     EXPECT_EQ(journal, (Journal{"P", "O"}));
+    EXPECT_EQ(registered, 2u);
 
     p.listen(kEvent, nullptr);
     p.stop(kEvent, &sender);
@@ -153,6 +157,7 @@ TEST(tkNotificationCenterRemoval, ASenderRemovalAndAnAnySenderRemovalAreSeparate
     journal.clear();
     post(kEvent, &sender);
     EXPECT_EQ(journal, (Journal{"O"}));
+    EXPECT_EQ(registered, 1u);
 }
 
 // The end of the range is looked up after every handler: registrations made

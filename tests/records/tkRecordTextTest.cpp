@@ -5,8 +5,11 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "foundation/StringFormatException.h"
+#include "foundation/tkNotificationCenter.h"
+#include "foundation/tkNotificationNames.h"
 #include "records/tkDateFormatter.h"
 #include "records/tkKnownRecordItems.h"
 #include "records/tkRecordText.h"
@@ -98,6 +101,30 @@ TEST_F(tkRecordLine, WrongTabCountsAreRefusedWithTheWholeLine) {
     }
     // No partial record: not even the codes of a refused line join the lists.
     EXPECT_EQ(tkKnownRecordItems::instance().count("employee"), 0);
+}
+
+TEST_F(tkRecordLine, ReadingALinePostsOnceForEachFieldAsItIsSet) {
+    // An observer of every record watches a default record fill in, field by field.
+    struct Watcher : tkObserver {
+        std::vector<std::string> seen;
+    } watcher;
+    tkNotificationCenter& center = tkNotificationCenter::instance();
+    center.addObserver(
+        &watcher,
+        [&watcher](const tkNotification& note) {
+            watcher.seen.push_back(toTabLine(*static_cast<const tkRecord*>(note.sender())));
+        },
+        kRecordWasEdited, nullptr);
+    fromTabLine("1/2/03\t1:00\tab\tj\tf\tdesc");
+    center.removeObserver(&watcher, kRecordWasEdited, nullptr);
+    EXPECT_EQ(watcher.seen, (std::vector<std::string>{
+                                "1/2/3\t00:00:00\t\t\t\t",
+                                "1/2/3\t01:00:00\t\t\t\t",
+                                "1/2/3\t01:00:00\tAB\t\t\t",
+                                "1/2/3\t01:00:00\tAB\tJ\t\t",
+                                "1/2/3\t01:00:00\tAB\tJ\tF\t",
+                                "1/2/3\t01:00:00\tAB\tJ\tF\tdesc",
+                            }));
 }
 
 TEST_F(tkRecordLine, ABadDateRefusesTheLineWithoutTouchingTheLists) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -8,6 +9,7 @@
 #include "foundation/tkNotificationNames.h"
 #include "foundation/tkTagParser.h"
 #include "records/tkDateFormatter.h"
+#include "records/tkKnownRecordItems.h"
 #include "tests/support/tkNotificationRecorder.h"
 #include "tests/timesheet/tkTimeSheetTestSupport.h"
 #include "timesheet/tkCompoundInsert.h"
@@ -81,6 +83,35 @@ TEST(FileText, WritesEveryRowAsItsTabLineAndReadsBackTheSameRows) {
     reread.readTabbedText(sheet.tabbedText());
     EXPECT_EQ(reread.tabbedText(), text);
     EXPECT_EQ(tkTimeSheet().tabbedText(), "");
+}
+
+// The sheet keeps the file text between saves; the changes that don't insert or remove a row
+// must renew it all the same.
+TEST(FileText, KeptTextFollowsEveryChangeOfARowsText) {
+    tkTimeSheet sheet;
+    sheet.readTabbedText(line("1/1/20", "a") + "\n" + line("1/2/20", "b") + "\n");
+    const std::shared_ptr<tkRecord> putBack = entry("1/3/20", "c");
+    sheet.insertRecordAtRow(putBack, 2);
+    tkKnownRecordItems& known = tkKnownRecordItems::instance();
+    const struct {
+        const char* change;
+        std::function<void()> run;
+    } cases[] = {
+        {"cell", [&] { sheet.setItem(0, "description", "cell"); }},
+        {"record taken in", [&] { sheet.recordAtRow(1)->setField("employee", "emp"); }},
+        {"record put back", [&] { putBack->setField("fee code", "fee"); }},
+        // "EMP" is the only employee besides the empty one, at index -1.
+        {"renamed code", [&] { known.renameAt("employee", 0, "x"); }},
+    };
+    for (const auto& c : cases) {
+        sheet.fileText();
+        c.run();
+        std::string rows;
+        for (const auto& record : sheet.rows()) {
+            rows += toTabLine(*record) + "\n";
+        }
+        EXPECT_EQ(sheet.fileText(), rows) << c.change;
+    }
 }
 
 TEST(FileText, LoadSortsByDateKeepsEqualsInFileOrderAndJoinsPresentRows) {

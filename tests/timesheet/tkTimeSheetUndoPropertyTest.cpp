@@ -18,7 +18,13 @@ struct State {
 };
 
 State stateOf(const tkTimeSheet& sheet) {
-    return State{sheet.tabbedText(), sheet.sortBy()};
+    // Rendered row by row here; the text that the sheet keeps between saves must match it.
+    std::string rows;
+    for (const auto& record : sheet.rows()) {
+        rows += toTabLine(*record) + "\n";
+    }
+    EXPECT_EQ(sheet.fileText(), rows);
+    return State{rows, sheet.sortBy()};
 }
 
 std::ostream& operator<<(std::ostream& out, const State& state) {
