@@ -6,15 +6,34 @@ find_package(Qt6 REQUIRED COMPONENTS Widgets PrintSupport Network Svg)
 file(GLOB TK_UI_SOURCES CONFIGURE_DEPENDS
   "${PROJECT_SOURCE_DIR}/ui/*.cpp" "${PROJECT_SOURCE_DIR}/ui/*.h")
 file(GLOB TK_UI_RESOURCES CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/resources/*.qrc")
-add_library(tk_ui STATIC ${TK_UI_SOURCES} ${TK_UI_RESOURCES})
+# "Timer menu.ui" keeps the name the timer window asks for, and a file name
+# with a blank is beyond AUTOUIC's include scanner: uic runs on it here, into
+# a header whose name AUTOUIC leaves alone.
+set(TK_TIMER_MENU_FORM "${CMAKE_CURRENT_BINARY_DIR}/tk_ui_forms/tkTimerMenuForm.h")
+add_custom_command(OUTPUT "${TK_TIMER_MENU_FORM}"
+  COMMAND ${CMAKE_COMMAND} -E make_directory "${CMAKE_CURRENT_BINARY_DIR}/tk_ui_forms"
+  COMMAND Qt6::uic -o "${TK_TIMER_MENU_FORM}" "${PROJECT_SOURCE_DIR}/resources/Timer menu.ui"
+  DEPENDS "${PROJECT_SOURCE_DIR}/resources/Timer menu.ui"
+  VERBATIM)
+add_library(tk_ui STATIC ${TK_UI_SOURCES} ${TK_UI_RESOURCES} "${TK_TIMER_MENU_FORM}")
+target_include_directories(tk_ui PRIVATE "${CMAKE_CURRENT_BINARY_DIR}/tk_ui_forms")
 set_target_properties(tk_ui PROPERTIES
   AUTOMOC ON AUTOUIC ON AUTORCC ON
   AUTOUIC_SEARCH_PATHS "${PROJECT_SOURCE_DIR}/resources")
 target_include_directories(tk_ui PUBLIC "${PROJECT_SOURCE_DIR}")
 target_link_libraries(tk_ui PUBLIC ${TK_ALL_LIBRARIES}
   Qt6::Widgets Qt6::PrintSupport Qt6::Network Qt6::Svg)
+# The build number is the count of commits: it only grows, which is all a
+# comparison of builds needs. A tree without its history builds number 0.
+execute_process(COMMAND git rev-list --count HEAD
+  WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
+  OUTPUT_VARIABLE TK_BUILD_NUMBER OUTPUT_STRIP_TRAILING_WHITESPACE
+  RESULT_VARIABLE tk_build_number_result ERROR_QUIET)
+if(NOT tk_build_number_result EQUAL 0 OR NOT TK_BUILD_NUMBER MATCHES "^[0-9]+$")
+  set(TK_BUILD_NUMBER 0)
+endif()
 target_compile_definitions(tk_ui PUBLIC
-  TK_VERSION="${PROJECT_VERSION}" QT_NO_KEYWORDS)
+  TK_VERSION="${PROJECT_VERSION}" TK_BUILD_NUMBER=${TK_BUILD_NUMBER} QT_NO_KEYWORDS)
 
 file(GLOB TK_APP_SOURCES CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/app/*.cpp")
 if(TK_APP_SOURCES)
@@ -22,3 +41,7 @@ if(TK_APP_SOURCES)
   target_link_libraries(chronolet-plus PRIVATE tk_ui)
   set_target_properties(chronolet-plus PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}")
 endif()
+
+# Renders every window to PNG under a display (make screenshots).
+add_executable(tk_screenshots "${PROJECT_SOURCE_DIR}/tools/screenshots/tkScreenshots.cpp")
+target_link_libraries(tk_screenshots PRIVATE tk_ui)
