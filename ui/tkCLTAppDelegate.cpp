@@ -169,10 +169,13 @@ tkCommandReply tkCLTAppDelegate::handleCommand(const std::vector<std::string>& w
 
 void tkCLTAppDelegate::closeAllWindows() {
     QList<QPointer<QWidget>> windows;
+    // Only windows without a parent: the others (a combo box's popup, a
+    // sheet) go with their parents, which still point at them.
     for (QWidget* widget : QApplication::topLevelWidgets()) {
-        windows.append(widget);
+        if (widget->parentWidget() == nullptr) {
+            windows.append(widget);
+        }
     }
-    // Deleting a window deletes the windows it parents; the guards see that.
     for (const QPointer<QWidget>& window : windows) {
         delete window.data();
     }

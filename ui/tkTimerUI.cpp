@@ -37,6 +37,8 @@ void styleTimeDisplay(QLineEdit* display) {
     font.setStyleHint(QFont::TypeWriter);
     font.setFamilies({QStringLiteral("DejaVu Sans Mono"), QStringLiteral("monospace")});
     display->setFont(font);
+    // Opaque: a tick then redraws this field alone, not the window behind it.
+    display->setAutoFillBackground(true);
 }
 
 // A title is shown as it stands; "&" would otherwise mark a shortcut letter.
@@ -299,9 +301,16 @@ void tkTimerUI::showJobDetails(bool shown, bool adjustUpward) {
         top = static_cast<int>(static_cast<float>(frame.y()) + (shown ? -h : h));
     }
     box->setVisible(shown);
-    // The layout fixes the window's size; it must know the new one before
-    // the frame is set, or it would put the old height back.
-    timerWindow_->layout()->activate();
+    // The layouts fix the window's size; they must know the new one before
+    // the frame is set, or they would put the old height back.
+    for (QWidget* widget = box->parentWidget(); widget != nullptr;
+         widget = widget->parentWidget()) {
+        widget->layout()->invalidate();
+        widget->layout()->activate();
+        if (widget == timerWindow_) {
+            break;
+        }
+    }
     timerWindow_->setGeometry(frame.x(), top, frame.width(), height);
 }
 

@@ -21,7 +21,8 @@ TEST(tkDateFormatterQt, StoredAndShownFormsRoundTripInEachLocale) {
         EXPECT_EQ(shown, c.shown) << c.locale << " " << c.stored;
         const tkDateFormatterQt again{QLocale(QString::fromLatin1(c.locale))};
         const std::string back = again.usDateStringFromLocalizedDateString(shown);
-        EXPECT_EQ(again.localizedDateStringFromUSDateString(back), shown) << c.locale << " " << back;
+        EXPECT_EQ(again.localizedDateStringFromUSDateString(back), shown)
+            << c.locale << " " << back;
     }
 }
 
