@@ -81,15 +81,15 @@ tkTimerUI::tkTimerUI(QWidget* timerWindow, Ui::TimerDisplay& form)
     // The timer menu is this window's own, and takes the Timer place in the
     // menu bars.
     timerMenu_ = tkNibLoader::loadTimerMenu(*menuForm_);
+    // Owned by the window, so that it goes with it.
+    timerMenu_->setParent(timerWindow_, timerMenu_->windowFlags());
     numFixedItemsInTimerMenu_ = static_cast<int>(timerMenu_->actions().size());
     tkMainMenu::instance().setTimerMenu(timerMenu_);
     connectControls();
     rebuildTimerMenu();
 }
 
-tkTimerUI::~tkTimerUI() {
-    delete timerMenu_;
-}
+tkTimerUI::~tkTimerUI() = default;
 
 void tkTimerUI::connectControls() {
     connect(form_.startStopButton, &QAbstractButton::clicked, this, &tkTimerUI::startStopTimer);
@@ -316,6 +316,9 @@ void tkTimerUI::showJobDetails(bool shown, bool adjustUpward) {
 
 void tkTimerUI::rebuildTimerMenu() {
     QMenu* menu = timerMenu_;
+    if (menu == nullptr) {
+        return;
+    }
     const QList<QAction*> items = menu->actions();
     for (auto i = items.size() - 1; i >= numFixedItemsInTimerMenu_; --i) {
         menu->removeAction(items[i]);
@@ -338,6 +341,9 @@ void tkTimerUI::rebuildTimerMenu() {
 }
 
 void tkTimerUI::refreshTimerMenu() {
+    if (timerMenu_ == nullptr) {
+        return;
+    }
     tkTimerArray& timers = tkTimerArray::instance();
     const QList<QAction*> items = timerMenu_->actions();
     if (items.size() < numFixedItemsInTimerMenu_ + static_cast<qsizetype>(timers.numTimers())) {
@@ -380,11 +386,27 @@ void tkTimerUI::buildSaveMultiTimerDialog() {
     layout->addWidget(smtList_);
     layout->addWidget(buttons);
     // The selection at the moment of the click decides (tkTimerUIBridge).
-    connect(adding, &QPushButton::clicked, this, [this] { bridge_->deleteAdding(); });
-    connect(without, &QPushButton::clicked, this, [this] { bridge_->deleteWithoutAdding(); });
-    connect(keep, &QPushButton::clicked, this, [this] { bridge_->dontDelete(); });
+    connect(adding, &QPushButton::clicked, this, [this] {
+        if (bridge_ != nullptr) {
+            bridge_->deleteAdding();
+        }
+    });
+    connect(without, &QPushButton::clicked, this, [this] {
+        if (bridge_ != nullptr) {
+            bridge_->deleteWithoutAdding();
+        }
+    });
+    connect(keep, &QPushButton::clicked, this, [this] {
+        if (bridge_ != nullptr) {
+            bridge_->dontDelete();
+        }
+    });
     // Escape keeps the timers too.
-    connect(dialog, &QDialog::rejected, this, [this] { bridge_->dontDelete(); });
+    connect(dialog, &QDialog::rejected, this, [this] {
+        if (bridge_ != nullptr) {
+            bridge_->dontDelete();
+        }
+    });
     saveMultiTimerDisplay_ = dialog;
 }
 

@@ -37,7 +37,10 @@ tkTimerWindowQt::tkTimerWindowQt()
             [this] { saveFrame(); });
 }
 
-tkTimerWindowQt::~tkTimerWindowQt() = default;
+tkTimerWindowQt::~tkTimerWindowQt() {
+    // A field that loses the keyboard while the window goes must not act.
+    timerUI_->setBridge(nullptr);
+}
 
 QString tkTimerWindowQt::title() {
     return QStringLiteral("Timer");
