@@ -54,6 +54,8 @@ class tkUiTest : public ::testing::Test {
         ASSERT_TRUE(QTest::qWaitForWindowExposed(window(), kPatienceMillis));
     }
 
+    bool terminatedLaunch() const { return delegate->terminated(); }
+
     static tkTimerWindowQt* window() {
         return static_cast<tkTimerWindowQtC*>(tkTimerArray::instance().windowForTimer(0))->window();
     }
