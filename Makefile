@@ -65,6 +65,8 @@ bench:
 	@for t in $$(tr ';' ' ' < build-bench/bench_targets.txt); do \
 	  echo "== $$t"; build-bench/bench/$$t || exit 1; \
 	done
+	@echo "== start-up of the application (Xvfb)"
+	xvfb-run -a -s "-screen 0 1280x800x24" bench/tkStartupBench.sh build-bench/chronolet-plus
 
 fuzz:
 	$(call ensure,$(FUZZ_PKGS))
