@@ -1,6 +1,7 @@
 #include "shell/tkCommandWire.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <optional>
 
 namespace {
@@ -45,29 +46,37 @@ tkWireStatus readLine(std::string_view bytes, size_t& pos, size_t maxLength,
     return tkWireStatus::Complete;
 }
 
-// The numbers of a header line after the magic, split on single blanks.
-std::optional<std::vector<std::string_view>> headerFields(std::string_view line, size_t count) {
-    if (line.substr(0, kMagic.size()) != kMagic) {
-        return std::nullopt;
-    }
-    line.remove_prefix(kMagic.size());
-    std::vector<std::string_view> fields;
-    while (fields.size() + 1 < count) {
-        const size_t blank = line.find(' ');
-        if (blank == std::string_view::npos) {
-            return std::nullopt;
-        }
-        fields.push_back(line.substr(0, blank));
-        line.remove_prefix(blank + 1);
-    }
-    fields.push_back(line);
-    return fields;
-}
-
 // A prefix of the magic is still a message in the making.
 bool couldBeMagic(std::string_view bytes) {
     const size_t n = std::min(bytes.size(), kMagic.size());
     return bytes.substr(0, n) == kMagic.substr(0, n);
+}
+
+// The header line: the magic, then one number per limit, split on single
+// blanks, each within its limit. Leaves `pos` behind the line.
+tkWireStatus readHeader(std::string_view bytes, size_t& pos, std::initializer_list<size_t> limits,
+                        std::vector<size_t>& numbers) {
+    if (!couldBeMagic(bytes)) {
+        return tkWireStatus::Malformed;
+    }
+    std::string_view line;
+    const tkWireStatus status = readLine(bytes, pos, kMaxHeaderLine, line);
+    if (status != tkWireStatus::Complete) {
+        return status;
+    }
+    line.remove_prefix(kMagic.size());
+    for (const size_t limit : limits) {
+        const bool last = numbers.size() + 1 == limits.size();
+        const size_t end = last ? line.size() : line.find(' ');
+        const std::optional<size_t> number =
+            end == std::string_view::npos ? std::nullopt : parseNumber(line.substr(0, end), limit);
+        if (!number) {
+            return tkWireStatus::Malformed;
+        }
+        numbers.push_back(*number);
+        line.remove_prefix(last ? end : end + 1);
+    }
+    return tkWireStatus::Complete;
 }
 
 }  // namespace
@@ -92,27 +101,18 @@ std::string encodeReply(const tkCommandReply& reply) {
 
 tkDecodedRequest decodeRequest(std::string_view bytes) {
     tkDecodedRequest result;
-    if (!couldBeMagic(bytes)) {
-        result.status = tkWireStatus::Malformed;
-        return result;
-    }
     size_t pos = 0;
-    std::string_view line;
-    result.status = readLine(bytes, pos, kMaxHeaderLine, line);
+    std::vector<size_t> header;
+    result.status = readHeader(bytes, pos, {kMaxRequestWords}, header);
     if (result.status != tkWireStatus::Complete) {
         return result;
     }
-    const auto fields = headerFields(line, 1);
-    const std::optional<size_t> count =
-        fields ? parseNumber((*fields)[0], kMaxRequestWords) : std::nullopt;
-    if (!count) {
-        result.status = tkWireStatus::Malformed;
-        return result;
-    }
+    const size_t count = header[0];
+    std::string_view line;
     size_t total = 0;
     std::vector<std::string> words;
-    words.reserve(*count);
-    for (size_t i = 0; i < *count; ++i) {
+    words.reserve(count);
+    for (size_t i = 0; i < count; ++i) {
         const tkWireStatus status = readLine(bytes, pos, kMaxDigits, line);
         if (status != tkWireStatus::Complete) {
             result.status = status;
@@ -139,37 +139,22 @@ tkDecodedRequest decodeRequest(std::string_view bytes) {
 
 tkDecodedReply decodeReply(std::string_view bytes) {
     tkDecodedReply result;
-    if (!couldBeMagic(bytes)) {
-        result.status = tkWireStatus::Malformed;
-        return result;
-    }
     size_t pos = 0;
-    std::string_view line;
-    result.status = readLine(bytes, pos, kMaxHeaderLine, line);
+    std::vector<size_t> header;
+    result.status = readHeader(
+        bytes, pos, {size_t{kMaxExitCode}, kMaxReplyStreamBytes, kMaxReplyStreamBytes}, header);
     if (result.status != tkWireStatus::Complete) {
         return result;
     }
-    const auto fields = headerFields(line, 3);
-    std::optional<size_t> code;
-    std::optional<size_t> outLength;
-    std::optional<size_t> errLength;
-    if (fields) {
-        code = parseNumber((*fields)[0], kMaxExitCode);
-        outLength = parseNumber((*fields)[1], kMaxReplyStreamBytes);
-        errLength = parseNumber((*fields)[2], kMaxReplyStreamBytes);
-    }
-    if (!code || !outLength || !errLength) {
-        result.status = tkWireStatus::Malformed;
-        return result;
-    }
-    if (bytes.size() - pos < *outLength + *errLength) {
+    const size_t outLength = header[1];
+    const size_t errLength = header[2];
+    if (bytes.size() - pos < outLength + errLength) {
         result.status = tkWireStatus::Incomplete;
         return result;
     }
-    result.reply.exitCode = static_cast<int32_t>(*code);
-    result.reply.out.assign(bytes.substr(pos, *outLength));
-    result.reply.err.assign(bytes.substr(pos + *outLength, *errLength));
-    result.consumed = pos + *outLength + *errLength;
-    result.status = tkWireStatus::Complete;
+    result.reply.exitCode = static_cast<int32_t>(header[0]);
+    result.reply.out.assign(bytes.substr(pos, outLength));
+    result.reply.err.assign(bytes.substr(pos + outLength, errLength));
+    result.consumed = pos + outLength + errLength;
     return result;
 }

@@ -92,36 +92,43 @@ tkTimerUI::tkTimerUI(QWidget* timerWindow, Ui::TimerDisplay& form)
 tkTimerUI::~tkTimerUI() = default;
 
 void tkTimerUI::connectControls() {
-    connect(form_.startStopButton, &QAbstractButton::clicked, this, &tkTimerUI::startStopTimer);
-    connect(form_.clearButton, &QAbstractButton::clicked, this, &tkTimerUI::clearTimer);
-    connect(form_.addButton, &QAbstractButton::clicked, this, &tkTimerUI::addToTimeSheet);
-    connect(form_.spawnButton, &QAbstractButton::clicked, this, &tkTimerUI::newTimer);
-    connect(form_.backArrowButton, &QAbstractButton::clicked, this, &tkTimerUI::previousTimer);
-    connect(form_.forwardArrowButton, &QAbstractButton::clicked, this, &tkTimerUI::nextTimer);
-    connect(form_.detailButton, &QAbstractButton::clicked, this, &tkTimerUI::toggleDetailMode);
-    connect(form_.drawerButton, &QAbstractButton::clicked, this, &tkTimerUI::toggleDrawer);
-
-    connect(menuForm_->startStopMenuItem, &QAction::triggered, this, &tkTimerUI::startStopTimer);
-    connect(menuForm_->clearMenuItem, &QAction::triggered, this, &tkTimerUI::clearTimer);
-    connect(menuForm_->addMenuItem, &QAction::triggered, this, &tkTimerUI::addToTimeSheet);
-    connect(menuForm_->newTimerMenuItem, &QAction::triggered, this, &tkTimerUI::newTimer);
-    connect(menuForm_->previousTimerMenuItem, &QAction::triggered, this, &tkTimerUI::previousTimer);
-    connect(menuForm_->nextTimerMenuItem, &QAction::triggered, this, &tkTimerUI::nextTimer);
-    connect(menuForm_->detailsMenuItem, &QAction::triggered, this, &tkTimerUI::toggleDetailMode);
-    connect(menuForm_->drawerMenuItem, &QAction::triggered, this, &tkTimerUI::toggleDrawer);
-
-    connect(form_.timeDisplay, &QLineEdit::editingFinished, this, &tkTimerUI::timeFieldDone);
+    auto toCore = [this](void (tkTimerUIBridge::*command)()) {
+        return [this, command] {
+            if (bridge_ != nullptr) {
+                (bridge_->*command)();
+            }
+        };
+    };
+    // Each command has its button and its item in the Timer menu.
+    struct Wiring {
+        QAbstractButton* button;
+        QAction* item;
+        void (tkTimerUIBridge::*command)();
+    };
+    const Wiring wiring[] = {
+        {form_.startStopButton, menuForm_->startStopMenuItem, &tkTimerUIBridge::startStopTimer},
+        {form_.clearButton, menuForm_->clearMenuItem, &tkTimerUIBridge::clearTimer},
+        {form_.addButton, menuForm_->addMenuItem, &tkTimerUIBridge::addToTimeSheet},
+        {form_.spawnButton, menuForm_->newTimerMenuItem, &tkTimerUIBridge::newTimer},
+        {form_.backArrowButton, menuForm_->previousTimerMenuItem, &tkTimerUIBridge::previousTimer},
+        {form_.forwardArrowButton, menuForm_->nextTimerMenuItem, &tkTimerUIBridge::nextTimer},
+        {form_.detailButton, menuForm_->detailsMenuItem, &tkTimerUIBridge::toggleDetailMode},
+        {form_.drawerButton, menuForm_->drawerMenuItem, &tkTimerUIBridge::toggleDrawer},
+    };
+    for (const Wiring& each : wiring) {
+        connect(each.button, &QAbstractButton::clicked, this, toCore(each.command));
+        connect(each.item, &QAction::triggered, this, toCore(each.command));
+    }
     // Every change of a job field replaces the timer's record at once, as
     // the user types: the timers file is never behind the window.
-    auto recordEdited = [this] {
-        if (bridge_ != nullptr) {
-            bridge_->recordEdited();
-        }
-    };
-    connect(form_.employeeComboBox, &tkCompletingComboBox::textEditedByUser, this, recordEdited);
-    connect(form_.feeCodeComboBox, &tkCompletingComboBox::textEditedByUser, this, recordEdited);
-    connect(form_.jobNumberComboBox, &tkCompletingComboBox::textEditedByUser, this, recordEdited);
-    connect(form_.descriptionTextField, &QLineEdit::textEdited, this, recordEdited);
+    for (tkCompletingComboBox* box :
+         {form_.employeeComboBox, form_.feeCodeComboBox, form_.jobNumberComboBox}) {
+        connect(box, &tkCompletingComboBox::textEditedByUser, this,
+                toCore(&tkTimerUIBridge::recordEdited));
+    }
+    connect(form_.descriptionTextField, &QLineEdit::textEdited, this,
+            toCore(&tkTimerUIBridge::recordEdited));
+    connect(form_.timeDisplay, &QLineEdit::editingFinished, this, &tkTimerUI::timeFieldDone);
 }
 
 void tkTimerUI::timeFieldDone() {
@@ -137,48 +144,6 @@ void tkTimerUI::timeFieldDone() {
 void tkTimerUI::startStopTimer() {
     if (bridge_ != nullptr) {
         bridge_->startStopTimer();
-    }
-}
-
-void tkTimerUI::clearTimer() {
-    if (bridge_ != nullptr) {
-        bridge_->clearTimer();
-    }
-}
-
-void tkTimerUI::addToTimeSheet() {
-    if (bridge_ != nullptr) {
-        bridge_->addToTimeSheet();
-    }
-}
-
-void tkTimerUI::newTimer() {
-    if (bridge_ != nullptr) {
-        bridge_->newTimer();
-    }
-}
-
-void tkTimerUI::previousTimer() {
-    if (bridge_ != nullptr) {
-        bridge_->previousTimer();
-    }
-}
-
-void tkTimerUI::nextTimer() {
-    if (bridge_ != nullptr) {
-        bridge_->nextTimer();
-    }
-}
-
-void tkTimerUI::toggleDetailMode() {
-    if (bridge_ != nullptr) {
-        bridge_->toggleDetailMode();
-    }
-}
-
-void tkTimerUI::toggleDrawer() {
-    if (bridge_ != nullptr) {
-        bridge_->toggleDrawer();
     }
 }
 

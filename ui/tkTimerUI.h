@@ -77,15 +77,8 @@ class tkTimerUI : public QObject {
     int numFixedItemsInTimerMenu() const { return numFixedItemsInTimerMenu_; }
     QDialog* saveMultiTimerDisplay() const { return saveMultiTimerDisplay_; }
 
-  public Q_SLOTS:
+    // The space bar in the list: the shown timer starts or stops.
     void startStopTimer();
-    void clearTimer();
-    void addToTimeSheet();
-    void newTimer();
-    void previousTimer();
-    void nextTimer();
-    void toggleDetailMode();
-    void toggleDrawer();
 
   private:
     void connectControls();

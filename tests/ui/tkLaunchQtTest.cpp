@@ -1,18 +1,15 @@
-#include <signal.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QPushButton>
 
-#include "platform/tkFileManagerPosix.h"
 #include "preferences/tkPreferences.h"
 #include "records/tkRecord.h"
 #include "shell/tkDataFiles.h"
 #include "tests/support/tkFaultyFileManager.h"
+#include "tests/support/tkLockHolder.h"
 #include "tests/ui/tkUiTestSupport.h"
 #include "timesheet/tkTimeSheet.h"
 #include "ui/tkAboutWindow.h"
@@ -105,27 +102,14 @@ TEST_F(tkLaunchQtTest, UnreadableSheetThenAnotherFileOpenedFromTheReadWindow) {
 
 TEST_F(tkLaunchQtTest, LockedSheetThenANewFileCreatedFromTheLockedWindow) {
     home.writeText(sheetPath(), row("theirs"));
-    int ready[2];
-    ASSERT_EQ(::pipe(ready), 0);
-    const pid_t holder = ::fork();
-    if (holder == 0) {
-        tkFileManagerPosix manager;
-        const char ok = manager.openLocked(sheetPath(), 0) >= 0 ? '1' : '0';
-        (void)!::write(ready[1], &ok, 1);
-        ::pause();
-        ::_exit(0);
-    }
-    char ok = 0;
-    ASSERT_EQ(::read(ready[0], &ok, 1), 1);
-    ASSERT_EQ(ok, '1');
+    tkLockHolder otherCopy(sheetPath());
+    ASSERT_TRUE(otherCopy.holds());
 
     tkModalScript script;
     script.then(closeErrorDialog());
     script.then(inErrorWindowClick("createNewButton"));
     script.then(inPanelChoose(home.path("mine.txt")));
     launch();
-    ::kill(holder, SIGKILL);
-    ::waitpid(holder, nullptr, 0);
 
     EXPECT_EQ(seen, (std::vector<std::string>{"Error: FileLockedException", "Locked"}));
     EXPECT_TRUE(home.exists("mine.txt"));

@@ -5,6 +5,7 @@
 // One function per window or state; a new window joins with one more.
 #include <stdlib.h>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QEventLoop>
@@ -92,9 +93,8 @@ void makeSampleTimers() {
 
 bool timerWindowClosed(const QString& folder) {
     tkTimerWindowQt* window = timerWindow();
-    tkTimerUI* ui = window->timerUI();
     if (window->findChild<tkDrawerPanel*>()->isOpenOrOpening()) {
-        ui->toggleDrawer();
+        window->findChild<QAbstractButton*>(QStringLiteral("drawerButton"))->click();
     }
     tkTimerArray::instance().windowForTimer(0)->getUI()->setDetailMode(false);
     return save(window, folder, QStringLiteral("timer-window"));
@@ -108,7 +108,7 @@ bool timerWindowDetails(const QString& folder) {
 bool timerWindowWithList(const QString& folder) {
     tkTimerWindowQt* window = timerWindow();
     if (!window->findChild<tkDrawerPanel*>()->isOpenOrOpening()) {
-        window->timerUI()->toggleDrawer();
+        window->findChild<QAbstractButton*>(QStringLiteral("drawerButton"))->click();
     }
     return save(window, folder, QStringLiteral("timer-window-list"));
 }
