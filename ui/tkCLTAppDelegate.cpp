@@ -219,10 +219,6 @@ void tkCLTAppDelegate::quitApplication() {
     QCoreApplication::quit();
 }
 
-void tkCLTAppDelegate::newTimer() {
-    sequence_.newTimer();
-}
-
 void tkCLTAppDelegate::displayAboutWindow() {
     tkNibLoader::showAboutWindow();
 }

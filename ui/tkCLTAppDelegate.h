@@ -59,7 +59,6 @@ class tkCLTAppDelegate : public QObject, public ItkAppFrontEnd {
     void quitApplication() override;
 
   public Q_SLOTS:
-    void newTimer();
     void displayAboutWindow();
     // Ends a modal window first, then quits.
     void terminate();

@@ -64,20 +64,9 @@ void tkMainMenu::updateVisibility(QMenu* menu) {
 }
 
 bool tkMainMenu::eventFilter(QObject* watched, QEvent* event) {
+    // Both arrive when the menu's list of items has already changed.
     if (event->type() == QEvent::ActionAdded || event->type() == QEvent::ActionRemoved) {
-        // Removal is reported before the action leaves the list; look after.
-        auto* menu = static_cast<QMenu*>(watched);
-        QMetaObject::invokeMethod(
-            this,
-            [this, guard = QPointer<QMenu>(menu)] {
-                if (guard) {
-                    updateVisibility(guard);
-                }
-            },
-            Qt::QueuedConnection);
-        if (event->type() == QEvent::ActionAdded) {
-            menu->menuAction()->setVisible(true);
-        }
+        updateVisibility(static_cast<QMenu*>(watched));
     }
     return QObject::eventFilter(watched, event);
 }
