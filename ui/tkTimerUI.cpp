@@ -92,43 +92,53 @@ tkTimerUI::tkTimerUI(QWidget* timerWindow, Ui::TimerDisplay& form)
 tkTimerUI::~tkTimerUI() = default;
 
 void tkTimerUI::connectControls() {
-    auto toCore = [this](void (tkTimerUIBridge::*command)()) {
-        return [this, command] {
-            if (bridge_ != nullptr) {
-                (bridge_->*command)();
-            }
-        };
-    };
     // Each command has its button and its item in the Timer menu.
     struct Wiring {
         QAbstractButton* button;
         QAction* item;
-        void (tkTimerUIBridge::*command)();
+        void (*command)(tkTimerUIBridge& core);
     };
     const Wiring wiring[] = {
-        {form_.startStopButton, menuForm_->startStopMenuItem, &tkTimerUIBridge::startStopTimer},
-        {form_.clearButton, menuForm_->clearMenuItem, &tkTimerUIBridge::clearTimer},
-        {form_.addButton, menuForm_->addMenuItem, &tkTimerUIBridge::addToTimeSheet},
-        {form_.spawnButton, menuForm_->newTimerMenuItem, &tkTimerUIBridge::newTimer},
-        {form_.backArrowButton, menuForm_->previousTimerMenuItem, &tkTimerUIBridge::previousTimer},
-        {form_.forwardArrowButton, menuForm_->nextTimerMenuItem, &tkTimerUIBridge::nextTimer},
-        {form_.detailButton, menuForm_->detailsMenuItem, &tkTimerUIBridge::toggleDetailMode},
-        {form_.drawerButton, menuForm_->drawerMenuItem, &tkTimerUIBridge::toggleDrawer},
+        {form_.startStopButton, menuForm_->startStopMenuItem,
+         [](tkTimerUIBridge& core) { core.startStopTimer(); }},
+        {form_.clearButton, menuForm_->clearMenuItem,
+         [](tkTimerUIBridge& core) { core.clearTimer(); }},
+        {form_.addButton, menuForm_->addMenuItem,
+         [](tkTimerUIBridge& core) { core.addToTimeSheet(); }},
+        {form_.spawnButton, menuForm_->newTimerMenuItem,
+         [](tkTimerUIBridge& core) { core.newTimer(); }},
+        {form_.backArrowButton, menuForm_->previousTimerMenuItem,
+         [](tkTimerUIBridge& core) { core.previousTimer(); }},
+        {form_.forwardArrowButton, menuForm_->nextTimerMenuItem,
+         [](tkTimerUIBridge& core) { core.nextTimer(); }},
+        {form_.detailButton, menuForm_->detailsMenuItem,
+         [](tkTimerUIBridge& core) { core.toggleDetailMode(); }},
+        {form_.drawerButton, menuForm_->drawerMenuItem,
+         [](tkTimerUIBridge& core) { core.toggleDrawer(); }},
     };
     for (const Wiring& each : wiring) {
-        connect(each.button, &QAbstractButton::clicked, this, toCore(each.command));
-        connect(each.item, &QAction::triggered, this, toCore(each.command));
+        connect(each.button, &QAbstractButton::clicked, this,
+                [this, command = each.command] { toCore(command); });
+        connect(each.item, &QAction::triggered, this,
+                [this, command = each.command] { toCore(command); });
     }
     // Every change of a job field replaces the timer's record at once, as
     // the user types: the timers file is never behind the window.
+    const auto recordEdited = [this] {
+        toCore([](tkTimerUIBridge& core) { core.recordEdited(); });
+    };
     for (tkCompletingComboBox* box :
          {form_.employeeComboBox, form_.feeCodeComboBox, form_.jobNumberComboBox}) {
-        connect(box, &tkCompletingComboBox::textEditedByUser, this,
-                toCore(&tkTimerUIBridge::recordEdited));
+        connect(box, &tkCompletingComboBox::textEditedByUser, this, recordEdited);
     }
-    connect(form_.descriptionTextField, &QLineEdit::textEdited, this,
-            toCore(&tkTimerUIBridge::recordEdited));
+    connect(form_.descriptionTextField, &QLineEdit::textEdited, this, recordEdited);
     connect(form_.timeDisplay, &QLineEdit::editingFinished, this, &tkTimerUI::timeFieldDone);
+}
+
+void tkTimerUI::toCore(void (*command)(tkTimerUIBridge& core)) {
+    if (bridge_ != nullptr) {
+        command(*bridge_);
+    }
 }
 
 void tkTimerUI::timeFieldDone() {

@@ -82,6 +82,8 @@ class tkTimerUI : public QObject {
 
   private:
     void connectControls();
+    // Runs a command on the core side, once there is one.
+    void toCore(void (*command)(tkTimerUIBridge& core));
     void timeFieldDone();
     void buildSaveMultiTimerDialog();
 
