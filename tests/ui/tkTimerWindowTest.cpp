@@ -159,6 +159,23 @@ TEST_F(tkTimerWindowTest, DetailModeMovesExactlyOneEdgeByTheBoxHeight) {
     EXPECT_LE(std::abs(2 * box->x() + box->width() - panel->width()), 1);
 }
 
+// The place kept for the next start is the bottom-left corner: the window
+// comes back with its details hidden and grows upward to where it was.
+TEST_F(tkTimerWindowTest, WindowComesBackWithItsBottomEdgeWhereItWas) {
+    launchShown();
+    coreUI()->setDetailMode(true);
+    window()->move(120, 300);
+    QCoreApplication::processEvents();
+    const QRect before = window()->geometry();
+    window()->close();
+    EXPECT_FALSE(tkTimerArray::instance().isTimerOpen());
+
+    tkTimerWindowQt again;
+    EXPECT_EQ(again.geometry().left(), before.left());
+    EXPECT_EQ(again.geometry().bottom(), before.bottom());
+    EXPECT_LT(again.geometry().height(), before.height()) << "details hidden until restored";
+}
+
 // Typing completes to the next known code with the completed part selected;
 // typed text never picks a row, and a box of no known kind never completes.
 TEST_F(tkTimerWindowTest, CodeFieldsCompleteAndEditTheTimersRecord) {
