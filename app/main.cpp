@@ -1,10 +1,8 @@
 // Chronolet Plus: the desktop application.
-#include <time.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <string>
 
 #include "platform/tkLocalSocketPosix.h"
