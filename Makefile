@@ -3,6 +3,7 @@
 
 JOBS        ?= $(shell nproc 2>/dev/null || echo 2)
 FUZZ_TIME   ?= 60
+FUZZ_MAX_LEN ?= 4096
 SUDO        := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 CMAKE_FLAGS ?=
 
@@ -43,8 +44,9 @@ run:
 screenshots:
 	$(call ensure,$(BASE_PKGS))
 	cmake -S . -B build -DCMAKE_BUILD_TYPE=Debug $(CMAKE_FLAGS)
-	cmake --build build -j$(JOBS) --target tk_screenshots
+	cmake --build build -j$(JOBS) --target tk_screenshots tk_support_screenshots
 	xvfb-run -a -s "-screen 0 1280x800x24" ./build/tk_screenshots docs/screenshots
+	xvfb-run -a -s "-screen 0 1280x800x24" ./build/tk_support_screenshots docs/screenshots
 
 test:
 	$(call ensure,$(BASE_PKGS))
@@ -76,7 +78,7 @@ fuzz:
 	@for t in $$(tr ';' ' ' < build-fuzz/fuzz_targets.txt); do \
 	  echo "== $$t ($(FUZZ_TIME) s)"; mkdir -p build-fuzz/corpus/$$t; \
 	  seeds=fuzz/corpus/$${t#fuzz_}; [ -d $$seeds ] || seeds=; \
-	  build-fuzz/fuzz/$$t -max_total_time=$(FUZZ_TIME) -max_len=4096 -print_final_stats=1 \
+	  build-fuzz/fuzz/$$t -max_total_time=$(FUZZ_TIME) -max_len=$(FUZZ_MAX_LEN) -print_final_stats=1 \
 	    build-fuzz/corpus/$$t $$seeds > build-fuzz/$$t.log 2>&1; status=$$?; \
 	  tail -n 12 build-fuzz/$$t.log; [ $$status = 0 ] || exit $$status; \
 	done

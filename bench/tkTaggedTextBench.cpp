@@ -71,8 +71,8 @@ void BM_WriteTimersFile(benchmark::State& state) {
 }
 BENCHMARK(BM_WriteTimersFile)->Arg(10)->Arg(1000);
 
-void BM_ParseTimersFile(benchmark::State& state) {
-    const std::string text = timersLikeTree(static_cast<int>(state.range(0)))->toText(0);
+// Parses the text once per iteration and counts its bytes.
+void parseEachIteration(benchmark::State& state, const std::string& text) {
     tkTagParser parser;
     for (auto _ : state) {
         auto tree = parser.parse(text);
@@ -81,6 +81,27 @@ void BM_ParseTimersFile(benchmark::State& state) {
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) *
                             static_cast<int64_t>(text.size()));
 }
+
+void BM_ParseTimersFile(benchmark::State& state) {
+    parseEachIteration(state, timersLikeTree(static_cast<int>(state.range(0)))->toText(0));
+}
 BENCHMARK(BM_ParseTimersFile)->Arg(10)->Arg(1000);
+
+// A hostile file: elements nested as deep as the argument, each with its own
+// name, around one leaf (100,000 levels are 1.6 MB). The time must grow with
+// the size, not with its square.
+void BM_ParseDeepNesting(benchmark::State& state) {
+    const auto depth = static_cast<int>(state.range(0));
+    std::string text;
+    for (int i = 0; i < depth; ++i) {
+        text += "<n" + std::to_string(i) + ">";
+    }
+    text += "leaf";
+    for (int i = depth; i-- > 0;) {
+        text += "</n" + std::to_string(i) + ">";
+    }
+    parseEachIteration(state, text);
+}
+BENCHMARK(BM_ParseDeepNesting)->Arg(20000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -83,4 +83,23 @@ void BM_LoadTimers(benchmark::State& state) {
 }
 BENCHMARK(BM_LoadTimers);
 
+// A timers file far beyond any real one (a hostile or runaway file): the load
+// must grow as n log n, not with the square of the number of timers.
+void BM_LoadManyTimers(benchmark::State& state) {
+    std::string text = "<timerArray>\n";
+    for (int64_t i = 0; i < state.range(0); ++i) {
+        const std::string tag = "timer " + std::to_string(i);
+        text += "\t<" + tag + "><title>Client " + std::to_string(i % 977) +
+                "</title><startTime>0</startTime><priorRunningTime>61000</priorRunningTime>"
+                "<detailMode>true</detailMode><started>false</started><id>id" +
+                std::to_string(i) + "</id></" + tag + ">\n";
+    }
+    text += "\t<frontMostTimerNumber>0</frontMostTimerNumber>\n</timerArray>";
+    for (auto _ : state) {
+        auto node = tkTagParser().parse(text);
+        tkTimerArray::instance().fromTag(*node);
+    }
+}
+BENCHMARK(BM_LoadManyTimers)->Arg(50000)->Unit(benchmark::kMillisecond);
+
 }  // namespace

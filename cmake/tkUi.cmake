@@ -23,17 +23,8 @@ set_target_properties(tk_ui PROPERTIES
 target_include_directories(tk_ui PUBLIC "${PROJECT_SOURCE_DIR}")
 target_link_libraries(tk_ui PUBLIC ${TK_ALL_LIBRARIES}
   Qt6::Widgets Qt6::PrintSupport Qt6::Network Qt6::Svg)
-# The build number is the count of commits: it only grows, which is all a
-# comparison of builds needs. A tree without its history builds number 0.
-execute_process(COMMAND git rev-list --count HEAD
-  WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
-  OUTPUT_VARIABLE TK_BUILD_NUMBER OUTPUT_STRIP_TRAILING_WHITESPACE
-  RESULT_VARIABLE tk_build_number_result ERROR_QUIET)
-if(NOT tk_build_number_result EQUAL 0 OR NOT TK_BUILD_NUMBER MATCHES "^[0-9]+$")
-  set(TK_BUILD_NUMBER 0)
-endif()
 target_compile_definitions(tk_ui PUBLIC
-  TK_VERSION="${PROJECT_VERSION}" TK_BUILD_NUMBER=${TK_BUILD_NUMBER} QT_NO_KEYWORDS)
+  TK_VERSION="${PROJECT_VERSION}" QT_NO_KEYWORDS)
 
 file(GLOB TK_APP_SOURCES CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/app/*.cpp")
 if(TK_APP_SOURCES)
@@ -45,3 +36,31 @@ endif()
 # Renders every window to PNG under a display (make screenshots).
 add_executable(tk_screenshots "${PROJECT_SOURCE_DIR}/tools/screenshots/tkScreenshots.cpp")
 target_link_libraries(tk_screenshots PRIVATE tk_ui)
+
+# The application's own version file, which the update check compares with
+# the one on the server: written by the build with the project's version and
+# a build number, and compiled into the resources as ":/cltmac.xml".
+set(TK_BUILD_NUMBER "" CACHE STRING
+  "Build number of the version file; empty takes the number of commits")
+set(TK_UPDATE_SERVER "https://www.tekamo.com" CACHE STRING
+  "Server of the version feed (/updates/cltmac.xml) and of the downloads")
+set(TK_VERSION_BUILD "${TK_BUILD_NUMBER}")
+if(NOT TK_VERSION_BUILD)
+  execute_process(COMMAND git rev-list --count HEAD
+    WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
+    OUTPUT_VARIABLE TK_VERSION_BUILD OUTPUT_STRIP_TRAILING_WHITESPACE
+    RESULT_VARIABLE tk_git_result ERROR_QUIET)
+  if(NOT tk_git_result EQUAL 0 OR NOT TK_VERSION_BUILD MATCHES "^[0-9]+$")
+    set(TK_VERSION_BUILD 1)
+  endif()
+endif()
+configure_file(resources/cltmac.xml.in "${CMAKE_BINARY_DIR}/generated/cltmac.xml" @ONLY)
+configure_file(resources/tkversion.qrc.in "${CMAKE_BINARY_DIR}/generated/tkversion.qrc" COPYONLY)
+target_sources(tk_ui PRIVATE "${CMAKE_BINARY_DIR}/generated/tkversion.qrc")
+target_compile_definitions(tk_ui PRIVATE TK_UPDATE_SERVER="${TK_UPDATE_SERVER}")
+
+# Screenshots of the preferences, billing code and update windows.
+add_executable(tk_support_screenshots
+  "${PROJECT_SOURCE_DIR}/tools/screenshots/tkSupportScreenshots.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/screenshots/tkSupportScreenshotsMain.cpp")
+target_link_libraries(tk_support_screenshots PRIVATE tk_ui)

@@ -7,6 +7,18 @@
 
 #include "foundation/tkFile.h"
 
+// What an attempt to take a lock file came to.
+struct tkLockAttempt {
+    // The descriptor that holds the lock, or -1.
+    int32_t fd = -1;
+    // The lock file is there, and another holder kept the lock for as long as
+    // the attempt waited.
+    bool heldElsewhere = false;
+    // Why the lock file could not be opened or made, in words; empty when the
+    // lock was taken or is held elsewhere.
+    std::string reason;
+};
+
 // The core's only view of file-system operations. One object is installed at
 // launch (install()) and everything that persists reaches it through
 // instance(). Expected failures are boolean results; only the create and check
@@ -66,8 +78,43 @@ class tkFileManager {
     // descriptor open is holding the lock; it dies with the process.
     virtual int32_t openLocked(const std::string& path, int32_t mode) = 0;
 
-    // Closes a descriptor from openLocked, dropping its lock.
+    // Closes a descriptor from openLocked or lockFile, dropping its lock.
     virtual int32_t closeLocked(int32_t fd) = 0;
+
+    // The whole of a regular file. Throws IOException, with the path and the
+    // reason in words, when it is missing, unreadable, a folder, a device or
+    // pipe (which could block or never end) or too large to be one of the
+    // application's files. Never blocks.
+    virtual std::string readFile(const tkFile& file) = 0;
+
+    // Replaces the file's text, or creates the file (not its folder), in one
+    // atomic step: at every moment the name holds the whole old or the whole
+    // new text, and a file is never cut short in place, whenever the process
+    // dies. Where that can't be done the old file stays as it is and
+    // tkFileWriteException says why, with the path: a full disk, a folder that
+    // takes no new file, a file this process may not write, a file that is not
+    // a regular file, a file of another owner that the new copy would take
+    // away from them.
+    virtual void replaceFile(const tkFile& file, const std::string& contents) = 0;
+
+    // Takes an exclusive advisory lock on the lock file at `path`, creating
+    // the file (not its folder) when missing. With waitMillis 0 it tries once;
+    // otherwise it waits up to that long for another holder to let go. The
+    // lock is held as long as the returned descriptor stays open; closeLocked
+    // gives it up, and it dies with the process. A lock file is never
+    // replaced, so the lock can't slip off it the way it would off a data
+    // file that every save renames a new file over.
+    virtual tkLockAttempt lockFile(const std::string& path, int32_t waitMillis) = 0;
+
+    // Takes the file's permissions down to its owner alone (0600), for a file
+    // about to be set aside where others might look. False when that failed.
+    virtual bool makePrivate(const tkFile& file) = 0;
+
+    // Removes from `folder` the temporaries that replaceFile left for any of
+    // the named files when its process was killed before the rename, and only
+    // those whose process no longer exists. Returns how many went.
+    virtual int32_t sweepTemporaries(const std::string& folder,
+                                     const std::vector<std::string>& names) = 0;
 
     // Installs the process's file manager. An earlier one is destroyed,
     // unless it is the same object.

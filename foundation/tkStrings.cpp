@@ -1,5 +1,6 @@
 #include "foundation/tkStrings.h"
 
+#include <algorithm>
 #include <charconv>
 #include <clocale>
 #include <cstdlib>
@@ -158,4 +159,61 @@ std::string replaceAll(const std::string& text, const std::string& find,
 
 bool startsWith(const std::string& text, const std::string& prefix) {
     return text.size() >= prefix.size() && text.compare(0, prefix.size(), prefix) == 0;
+}
+
+namespace {
+
+// The length of the well-formed UTF-8 sequence at text[at], or 0 when the byte
+// doesn't start one.
+std::size_t utf8SequenceLength(const std::string& text, std::size_t at) {
+    const auto lead = static_cast<unsigned char>(text[at]);
+    std::size_t length = 0;
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        length = 2;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+        length = 3;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+        length = 4;
+    } else {
+        return 0;
+    }
+    if (at + length > text.size()) {
+        return 0;
+    }
+    for (std::size_t i = 1; i < length; ++i) {
+        const auto next = static_cast<unsigned char>(text[at + i]);
+        if (next < 0x80 || next > 0xBF) {
+            return 0;
+        }
+    }
+    return length;
+}
+
+}  // namespace
+
+std::string quotableExcerpt(const std::string& text, std::size_t maxBytes) {
+    static const char kHex[] = "0123456789abcdef";
+    std::string result;
+    std::size_t at = 0;
+    while (at < text.size()) {
+        const auto byte = static_cast<unsigned char>(text[at]);
+        const std::size_t sequence = byte >= 0x80 ? utf8SequenceLength(text, at) : 1;
+        if (at + std::max<std::size_t>(sequence, 1) > maxBytes) {
+            result += "...";
+            break;
+        }
+        if (sequence > 1) {
+            result.append(text, at, sequence);
+            at += sequence;
+        } else if (byte < 0x20 || byte == 0x7F || byte >= 0x80) {
+            result += "\\x";
+            result += kHex[byte >> 4];
+            result += kHex[byte & 0x0F];
+            ++at;
+        } else {
+            result += static_cast<char>(byte);
+            ++at;
+        }
+    }
+    return result;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -39,3 +40,9 @@ std::string replaceAll(const std::string& text, const std::string& find,
 
 // Byte comparison; an empty prefix is always a prefix.
 bool startsWith(const std::string& text, const std::string& prefix);
+
+// Text from a file, made fit to quote in a message: bytes that would not show
+// (control bytes, broken UTF-8) become "\xNN", and anything beyond maxBytes
+// of the input is cut off at a character boundary and marked with "...".
+// Plain short text comes back unchanged.
+std::string quotableExcerpt(const std::string& text, std::size_t maxBytes = 60);

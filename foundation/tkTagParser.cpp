@@ -1,5 +1,8 @@
 #include "foundation/tkTagParser.h"
 
+#include <algorithm>
+#include <random>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -16,6 +19,117 @@ struct Level {
     std::unique_ptr<tkTagNode> pending;
     std::size_t closingAt = 0;
     std::size_t tagLength = 0;
+};
+
+// Hashes of names modulo the prime 2^61 - 1.
+constexpr uint64_t kPrime = (uint64_t{1} << 61) - 1;
+__extension__ typedef unsigned __int128 WideProduct;
+
+uint64_t addMod(uint64_t a, uint64_t b) {
+    const uint64_t sum = a + b;
+    return sum >= kPrime ? sum - kPrime : sum;
+}
+
+uint64_t multiplyMod(uint64_t a, uint64_t b) {
+    const WideProduct product = static_cast<WideProduct>(a) * b;
+    uint64_t folded =
+        static_cast<uint64_t>(product & kPrime) + static_cast<uint64_t>(product >> 61);
+    while (folded >= kPrime) {
+        folded -= kPrime;
+    }
+    return folded;
+}
+
+// Chosen once per process, so that no file can be prepared in advance to
+// make many names share a hash.
+uint64_t hashBase() {
+    static const uint64_t base = [] {
+        std::random_device device;
+        const uint64_t drawn = (static_cast<uint64_t>(device()) << 32) ^ device();
+        return 256 + drawn % (kPrime - 512);
+    }();
+    return base;
+}
+
+// Where each closing tag of a text stands, so that finding the one that ends
+// an element is a lookup rather than a scan over everything the element holds.
+// A scan per element costs the element's length once for every level of
+// nesting, which makes a file a hundred thousand levels deep take minutes.
+//
+// Every "</" in the upper-cased text is filed under the name that follows it
+// up to the next ">": no other closing tag can match there, since a tag's name
+// never holds a ">". Names are filed by hash; a hit is still compared byte by
+// byte.
+class ClosingTags {
+  public:
+    explicit ClosingTags(std::string_view upper) : _upper(upper), _base(hashBase()) {
+        // Walks backwards, so that the hash of the name between a "</" and the
+        // next ">" grows one byte at a time from that ">".
+        bool seenClose = false;
+        std::size_t close = 0;
+        uint64_t fromNext = 0;    // hash of [at + 1, close)
+        uint64_t fromSecond = 0;  // hash of [at + 2, close)
+        uint64_t weight = 1;      // base^(close - 1 - at)
+        for (std::size_t at = upper.size(); at-- > 0;) {
+            const auto byte = static_cast<unsigned char>(upper[at]);
+            if (byte == '>') {
+                seenClose = true;
+                close = at;
+                fromNext = fromSecond = 0;
+                weight = 1;
+                continue;
+            }
+            if (seenClose && byte == '<' && upper[at + 1] == '/') {
+                _positions[Key{fromSecond, close - at - 2}].push_back(at);
+            }
+            fromSecond = fromNext;
+            fromNext = addMod(multiplyMod(byte, weight), fromNext);
+            weight = multiplyMod(weight, _base);
+        }
+        for (auto& [key, positions] : _positions) {
+            std::reverse(positions.begin(), positions.end());
+        }
+    }
+
+    // The position of the first "</" + name + ">" that starts at or behind
+    // from and ends at or before end, or npos. The name is upper-cased.
+    std::size_t find(std::string_view name, std::size_t from, std::size_t end) const {
+        uint64_t hash = 0;
+        for (const char c : name) {
+            hash = addMod(multiplyMod(hash, _base), static_cast<unsigned char>(c));
+        }
+        const auto found = _positions.find(Key{hash, name.size()});
+        if (found == _positions.end()) {
+            return std::string_view::npos;
+        }
+        const std::vector<std::size_t>& positions = found->second;
+        for (auto it = std::lower_bound(positions.begin(), positions.end(), from);
+             it != positions.end(); ++it) {
+            if (*it + name.size() + 3 > end) {
+                break;
+            }
+            if (_upper.substr(*it + 2, name.size()) == name) {
+                return *it;
+            }
+        }
+        return std::string_view::npos;
+    }
+
+  private:
+    struct Key {
+        uint64_t hash;
+        std::size_t length;
+        bool operator==(const Key& other) const = default;
+    };
+    struct KeyHash {
+        std::size_t operator()(const Key& key) const {
+            return static_cast<std::size_t>(key.hash ^ (key.length * 0x9E3779B97F4A7C15ULL));
+        }
+    };
+
+    std::string_view _upper;
+    uint64_t _base;
+    std::unordered_map<Key, std::vector<std::size_t>, KeyHash> _positions;
 };
 
 }  // namespace
@@ -96,6 +210,7 @@ void tkTagParser::parseInto(std::string_view text, std::string_view upper, tkTag
     if (!enter(node, 0, text.size())) {
         return;
     }
+    const ClosingTags closingTags(upper);
     while (!levels.empty()) {
         Level& level = levels.back();
         std::size_t position = _tagStart + _currentTag.size() + 2;
@@ -111,11 +226,13 @@ void tkTagParser::parseInto(std::string_view text, std::string_view upper, tkTag
 
         // The first closing tag of the name, in any case, ends the element: an
         // element can't contain one of its own name.
-        const std::string closing = "</" + toUpperCase(_currentTag) + ">";
-        std::size_t closingAt = upper.substr(0, level.end).find(closing, position);
+        const std::size_t closingAt =
+            closingTags.find(toUpperCase(_currentTag), position, level.end);
         if (closingAt == std::string_view::npos) {
-            throw tkMalformedFileException(tkMalformedFileException::kName,
-                                           "File has unmatched " + _currentTag + " tag.");
+            // The tag comes from the file and may be anything, binary included.
+            throw tkMalformedFileException(
+                tkMalformedFileException::kName,
+                "File has unmatched " + quotableExcerpt(_currentTag) + " tag.");
         }
 
         level.pending = std::make_unique<tkTagNode>(_currentTag);

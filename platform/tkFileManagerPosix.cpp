@@ -2,16 +2,21 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
+#include <thread>
 
 #include "foundation/IOException.h"
+#include "foundation/tkFileWriteException.h"
 #include "platform/tkFilePosix.h"
 #include "platform/tkPosixIO.h"
 
@@ -109,20 +114,41 @@ int renameNoReplaceFallback(const std::string& source, const std::string& destin
     return ::rename(source.c_str(), destination.c_str()) == 0 ? 0 : errno;
 }
 
-// With `exclusive` a file that this call made and couldn't fill is removed
-// again; a name that was taken when we came is never touched.
-bool writeNewFile(const std::string& path, const std::string& contents, bool exclusive) {
+// With `exclusive` the file must not exist yet: it is made 0600 and given
+// `mode` before its first byte, so that it never shows the new text to anyone
+// the finished file won't, and a file that this call made and couldn't fill is
+// removed again; a name that was taken when we came is never touched.
+bool writeNewFile(const std::string& path, const std::string& contents, bool exclusive,
+                  mode_t mode) {
     const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | (exclusive ? O_EXCL : O_TRUNC);
-    const int fd = ::open(path.c_str(), flags, 0666);
+    const int fd = ::open(path.c_str(), flags, exclusive ? 0600 : 0666);
     if (fd < 0) {
         return false;
     }
-    bool ok = tkPosixIO::writeAll(fd, contents);
+    bool ok = !exclusive || ::fchmod(fd, mode) == 0;
+    ok = ok && tkPosixIO::writeAll(fd, contents);
     ok = ::close(fd) == 0 && ok;
     if (!ok && exclusive) {
         ::unlink(path.c_str());
     }
     return ok;
+}
+
+// The process id in the name of a temporary of replaceFile, behind its prefix:
+// digits, perhaps followed by "." and more digits. 0 when the rest is
+// anything else.
+pid_t temporaryOwner(const std::string& rest) {
+    const std::string::size_type dot = rest.find('.');
+    const std::string pid = rest.substr(0, dot);
+    const std::string counter = dot == std::string::npos ? "1" : rest.substr(dot + 1);
+    const auto allDigits = [](const std::string& text) {
+        return !text.empty() && text.size() < 10 &&
+               text.find_first_not_of("0123456789") == std::string::npos;
+    };
+    if (!allDigits(pid) || !allDigits(counter)) {
+        return 0;
+    }
+    return static_cast<pid_t>(std::stol(pid));
 }
 
 }  // namespace
@@ -150,7 +176,9 @@ bool tkFileManagerPosix::createDirectory(const std::string& path) {
     if (parent != expanded && !createDirectory(parent)) {
         return false;
     }
-    return ::mkdir(expanded.c_str(), 0777) == 0 || errno == EEXIST;
+    // Private to the user, as the XDG base directory rule asks of the data
+    // folders, and as befits a folder of time records.
+    return ::mkdir(expanded.c_str(), 0700) == 0 || errno == EEXIST;
 }
 
 void tkFileManagerPosix::createFile(const tkFile& file) {
@@ -202,23 +230,20 @@ bool tkFileManagerPosix::removeFile(const tkFile& file) {
 
 bool tkFileManagerPosix::safeSave(const tkFile& file, const std::string& contents) {
     const std::string live = file.path();
-    if (!exists(file)) {
+    struct stat info;
+    if (::stat(live.c_str(), &info) != 0) {
         // Nothing to protect yet.
-        return writeNewFile(live, contents, false);
+        return writeNewFile(live, contents, false, 0);
     }
     const std::string temporary = temporaryPathFor(live);
-    if (!writeNewFile(temporary, contents, true)) {
+    // The swap hands the live name the temporary's inode, so the temporary
+    // carries the live file's permissions from its first byte on.
+    if (!writeNewFile(temporary, contents, true, info.st_mode & 07777)) {
         // No copy of the new data exists worth keeping; the live file is
         // untouched. The temporary name is not removed here: when the open
         // failed because someone else took the name in the meantime, the
         // file there is theirs.
         return false;
-    }
-    // The swap hands the live name the temporary's inode, so give it the live
-    // file's permissions first.
-    struct stat info;
-    if (::stat(live.c_str(), &info) == 0) {
-        ::chmod(temporary.c_str(), info.st_mode & 07777);
     }
     if (swapFiles(live, temporary) != 0) {
         // No fallback to an overwrite, deliberately: the old file stays, and
@@ -305,4 +330,103 @@ int32_t tkFileManagerPosix::openLocked(const std::string& path, int32_t mode) {
 
 int32_t tkFileManagerPosix::closeLocked(int32_t fd) {
     return ::close(fd);
+}
+
+std::string tkFileManagerPosix::readFile(const tkFile& file) {
+    std::string contents;
+    const std::string problem = tkPosixIO::readRegularFile(file.path(), contents);
+    if (!problem.empty()) {
+        throw IOException("Cannot read " + file.path() + ": " + problem + ".");
+    }
+    return contents;
+}
+
+void tkFileManagerPosix::replaceFile(const tkFile& file, const std::string& contents) {
+    const std::string problem = tkPosixIO::replaceContents(file.path(), contents);
+    if (!problem.empty()) {
+        throw tkFileWriteException("Could not save " + file.path() + ": " + problem + ".");
+    }
+}
+
+tkLockAttempt tkFileManagerPosix::lockFile(const std::string& path, int32_t waitMillis) {
+    tkLockAttempt attempt;
+    const std::string expanded = tkFilePosix::expandTilde(path);
+    // O_NOFOLLOW: a link planted at the lock file's name must not lead the
+    // creation elsewhere.
+    int fd = ::open(expanded.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644);
+    if (fd >= 0) {
+        // Readable whatever the umask, so that another user who shares the
+        // file it guards can lock it too.
+        ::fchmod(fd, 0644);
+    } else if (errno == EEXIST) {
+        // Perhaps another user's lock file: a read-only descriptor locks as
+        // well. O_NONBLOCK, in case something else than a file stands there.
+        fd = ::open(expanded.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    }
+    if (fd < 0) {
+        attempt.reason = std::strerror(errno);
+        return attempt;
+    }
+    struct stat info;
+    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+        ::close(fd);
+        attempt.reason = "the lock file " + expanded + " is not a regular file";
+        return attempt;
+    }
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(waitMillis);
+    for (;;) {
+        if (::flock(fd, LOCK_EX | LOCK_NB) == 0) {
+            attempt.fd = fd;
+            return attempt;
+        }
+        const int error = errno;
+        if (error == EINTR) {
+            continue;
+        }
+        if (error != EWOULDBLOCK) {
+            ::close(fd);
+            attempt.reason = std::strerror(error);
+            return attempt;
+        }
+        const auto now = std::chrono::steady_clock::now();
+        if (now >= deadline) {
+            ::close(fd);
+            attempt.heldElsewhere = true;
+            return attempt;
+        }
+        // flock has no time limit of its own; a wait is a few short looks.
+        std::this_thread::sleep_for(std::min<std::chrono::steady_clock::duration>(
+            deadline - now, std::chrono::milliseconds(5)));
+    }
+}
+
+bool tkFileManagerPosix::makePrivate(const tkFile& file) {
+    return ::chmod(file.path().c_str(), 0600) == 0;
+}
+
+int32_t tkFileManagerPosix::sweepTemporaries(const std::string& folder,
+                                             const std::vector<std::string>& names) {
+    const std::string expanded = tkFilePosix::expandTilde(folder);
+    int32_t removed = 0;
+    for (const std::string& entry : listDirectory(expanded)) {
+        for (const std::string& name : names) {
+            const std::string prefix = "." + name + tkPosixIO::kTemporarySuffix + ".";
+            if (entry.compare(0, prefix.size(), prefix) != 0) {
+                continue;
+            }
+            const pid_t owner = temporaryOwner(entry.substr(prefix.size()));
+            // Only a process that no longer exists can't finish its save; a
+            // live one, or one of another user (EPERM), may still rename it.
+            if (owner <= 0 || ::kill(owner, 0) == 0 || errno != ESRCH) {
+                continue;
+            }
+            const std::string path = expanded + "/" + entry;
+            struct stat info;
+            if (::lstat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) &&
+                ::unlink(path.c_str()) == 0) {
+                ++removed;
+            }
+        }
+    }
+    return removed;
 }

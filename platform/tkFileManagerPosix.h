@@ -23,6 +23,12 @@ class tkFileManagerPosix : public tkFileManager {
     std::vector<std::string> listDirectory(const std::string& path) override;
     int32_t openLocked(const std::string& path, int32_t mode) override;
     int32_t closeLocked(int32_t fd) override;
+    std::string readFile(const tkFile& file) override;
+    void replaceFile(const tkFile& file, const std::string& contents) override;
+    tkLockAttempt lockFile(const std::string& path, int32_t waitMillis) override;
+    bool makePrivate(const tkFile& file) override;
+    int32_t sweepTemporaries(const std::string& folder,
+                             const std::vector<std::string>& names) override;
 
     // Swaps the two names in one atomic step. Returns 0 on success, otherwise
     // the errno of the failing call; EINVAL or ENOSYS mean that this file

@@ -10,14 +10,15 @@ class tkFilePosix : public tkFile {
   public:
     explicit tkFilePosix(const std::string& path);
 
+    // Reads a regular file; anything else (a folder, a pipe, a device) and
+    // any failure read as empty, without ever blocking.
     std::string read() const override;
 
-    // Writes the new text to a fresh file in the same folder and renames it
-    // over the old one, with the old file's permissions, so that a crash at
-    // any moment leaves either the old or the new text under the name. Only
-    // where the folder can't take a new file is the file rewritten in place.
-    // A missing file stays missing; failures leave the old text and report
-    // nothing but a diagnostic line on standard output.
+    // Replaces the text in one atomic step (tkPosixIO::replaceContents), so
+    // that a crash at any moment leaves the old or the new text under the
+    // name and never a file cut short. A missing file stays missing; failures
+    // leave the old text and report nothing but a diagnostic line on standard
+    // output (replaceFile of the file manager reports them).
     void write(const std::string& contents) override;
 
     std::string path() const override { return _path; }

@@ -92,9 +92,13 @@ bool tkPreferences::resetSaveLocation() {
     if (!setTimeSheetFile(defaultTimeSheetFilePath(), true)) {
         return false;
     }
+    restoreDefaults();
+    return true;
+}
+
+void tkPreferences::restoreDefaults() {
     setDefaults();
     markDirtyAndPost();
-    return true;
 }
 
 std::string tkPreferences::preferencesFile() const {

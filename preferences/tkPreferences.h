@@ -47,6 +47,11 @@ class tkPreferences : public ItkXMLCreatable, public tkObserver {
     // value the object holds, not only the location.
     bool resetSaveLocation();
 
+    // The reset of resetSaveLocation without the move: every value back to
+    // its default, then dirty and a post. For a caller that has already put
+    // the time sheet file in its default place by other means.
+    void restoreDefaults();
+
     // The fixed place of the preferences file.
     std::string preferencesFile() const;
 

@@ -1,25 +1,41 @@
 #include "shell/tkDataFiles.h"
 
+#include <functional>
+#include <map>
+#include <set>
+
 #include "foundation/IOException.h"
 #include "foundation/StringFormatException.h"
+#include "foundation/tkException.h"
 #include "foundation/tkFile.h"
 #include "foundation/tkFileLockedException.h"
 #include "foundation/tkFileManager.h"
 #include "foundation/tkFileWriteException.h"
+#include "foundation/tkStrings.h"
 #include "foundation/tkTagNode.h"
 #include "foundation/tkTagParser.h"
 #include "preferences/tkPaths.h"
 #include "preferences/tkPreferences.h"
+#include "records/tkRecord.h"
 #include "shell/tkAppState.h"
+#include "shell/tkDataLocks.h"
+#include "shell/tkErrorReporting.h"
 #include "timers/tkTimerArray.h"
 #include "timesheet/tkTimeSheet.h"
 
 namespace {
 
+constexpr const char* kNotSavedTitle = "Changes Not Saved";
+
 struct DataLayerState {
-    int32_t timeSheetLock = -1;
     bool timeSheetReady = false;
     bool noPreferencesFound = false;
+    // Set while rows are read into the sheet; see saveTimeSheet.
+    bool sheetSavesHeld = false;
+    // Files that could not be read in this run, never to be written over.
+    std::set<std::string> keptAsFound;
+    // File -> the failure last reported for it, so that each is told once.
+    std::map<std::string, std::string> reportedFailures;
 };
 
 DataLayerState& state() {
@@ -27,34 +43,150 @@ DataLayerState& state() {
     return layerState;
 }
 
+// Holds the sheet's saves for its life.
+class SheetSavesHeld {
+  public:
+    SheetSavesHeld() : _wasHeld(state().sheetSavesHeld) { state().sheetSavesHeld = true; }
+    ~SheetSavesHeld() { state().sheetSavesHeld = _wasHeld; }
+    SheetSavesHeld(const SheetSavesHeld&) = delete;
+    SheetSavesHeld& operator=(const SheetSavesHeld&) = delete;
+
+  private:
+    bool _wasHeld;
+};
+
 std::string lockFailureMessage(const std::string& path) {
     return "Cannot acquire file lock (perhaps the file is in use?) at " + path;
 }
 
-void takeTimeSheetLock(const std::string& path) {
-    state().timeSheetLock = tkFileManager::instance().openLocked(path, 0);
-    if (state().timeSheetLock == -1) {
-        throw tkFileLockedException(lockFailureMessage(path));
+void requireTimeSheetLock(const std::string& path) {
+    std::string reason;
+    switch (acquireTimeSheetLock(path, &reason)) {
+        case tkLockOutcome::Taken:
+            return;
+        case tkLockOutcome::HeldElsewhere:
+            throw tkFileLockedException(lockFailureMessage(path));
+        case tkLockOutcome::Unavailable:
+            throw IOException("Cannot lock the time sheet " + path + ": " + reason + ".");
     }
 }
 
-// Forgets the descriptor as it closes it: a number kept after its close could
-// belong to another file by the time it is closed again.
-void dropTimeSheetLock() {
-    if (state().timeSheetLock != -1) {
-        tkFileManager::instance().closeLocked(state().timeSheetLock);
-        state().timeSheetLock = -1;
+void requireDataFolderLock(const std::string& path) {
+    std::string reason;
+    switch (acquireDataFolderLock(&reason)) {
+        case tkLockOutcome::Taken:
+            return;
+        case tkLockOutcome::HeldElsewhere:
+            throw tkFileLockedException("Another copy of Chronolet Plus is running and owns " +
+                                        path + "; this copy does not write it.");
+        case tkLockOutcome::Unavailable:
+            throw IOException("Cannot lock the files of Chronolet Plus in " +
+                              applicationSupportFolder() + ": " + reason + ".");
     }
 }
 
-// Makes the file and checks that it can be written; throws the file
-// manager's IOException otherwise.
-std::unique_ptr<tkFile> writableFile(const std::string& path) {
+// Tells the user about a failed save of the file at `path`: once, and again
+// only when the reason changes or after a save of it worked, so that typing
+// on a full disk doesn't bring up a window per keystroke.
+void reportSaveFailure(const std::string& path, const tkException& error) {
+    std::string& last = state().reportedFailures[path];
+    if (last == error.message()) {
+        return;
+    }
+    last = error.message();
+    reportError(tkException(
+        kNotSavedTitle,
+        error.message() + " The change is kept, and is written at the next save that works."));
+}
+
+enum class Guard { DataFolder, TimeSheet };
+
+// Writes the text that `makeText` builds to the data file at `path`, under
+// the lock that guards it. True when written; otherwise the failure was
+// reported and nothing on disk changed.
+bool writeDataFile(const std::string& path, Guard guard,
+                   const std::function<std::string()>& makeText) {
     tkFileManager& manager = tkFileManager::instance();
-    std::unique_ptr<tkFile> file = manager.makeFile(path);
-    manager.createFile(*file);
-    manager.createWritableFile(*file);
-    return file;
+    try {
+        if (state().keptAsFound.count(path) != 0) {
+            throw IOException("Chronolet Plus could not read " + path +
+                              " and keeps it as it was found: it is not written over while this "
+                              "copy runs.");
+        }
+        if (guard == Guard::DataFolder) {
+            requireDataFolderLock(path);
+        } else {
+            requireTimeSheetLock(path);
+        }
+        const std::unique_ptr<tkFile> file = manager.makeFile(path);
+        // No empty file is made ahead of the text: a failed write must not
+        // leave one that a later launch would read as "no timers".
+        if (!manager.createDirectory(file->directory())) {
+            throw IOException("Could not create the folder " + file->directory() + " for " + path +
+                              ".");
+        }
+        manager.replaceFile(*file, makeText());
+    } catch (const tkException& error) {
+        reportSaveFailure(path, error);
+        return false;
+    }
+    state().reportedFailures.erase(path);
+    return true;
+}
+
+// Reads the sheet's text into the time sheet without writing the sheet per
+// row. A text that can't be read keeps the file as it was found.
+void readRowsOf(const std::string& path, const std::string& text) {
+    SheetSavesHeld held;
+    try {
+        tkTimeSheet::instance().readTabbedText(text);
+    } catch (const StringFormatException& error) {
+        keepAsFound(path);
+        // The reason quotes the file's bytes, which may be anything.
+        throw StringFormatException("The time sheet " + path + " is badly formatted: " +
+                                    quotableExcerpt(error.message(), 160));
+    }
+}
+
+std::string readKeptOnFailure(const tkFile& file) {
+    try {
+        return tkFileManager::instance().readFile(file);
+    } catch (const IOException&) {
+        keepAsFound(file.path());
+        throw;
+    }
+}
+
+// Moves the unreadable file at `path` to `preferred` when that is given and
+// free, else to a free name beside the file; private first, since its content
+// is the user's business alone wherever it lands. Returns where it went, or ""
+// when it stays, kept as found.
+std::string setAside(const std::string& path, const std::string& preferred) {
+    tkFileManager& manager = tkFileManager::instance();
+    const std::unique_ptr<tkFile> file = manager.makeFile(path);
+    manager.makePrivate(*file);
+    if (!preferred.empty() && manager.moveFile(*file, preferred)) {
+        return preferred;
+    }
+    const std::string name = file->name();
+    const std::string::size_type dot = name.rfind('.');
+    const std::string stem = dot == std::string::npos || dot == 0 ? name : name.substr(0, dot);
+    const std::string extension = stem.size() == name.size() ? "" : name.substr(dot);
+    for (int n = 1; n <= 100; ++n) {
+        const std::string candidate = file->directory() + "/" + stem + " (unreadable" +
+                                      (n == 1 ? std::string() : " " + std::to_string(n)) + ")" +
+                                      extension;
+        if (manager.exists(*manager.makeFile(candidate))) {
+            continue;
+        }
+        if (manager.moveFile(*file, candidate)) {
+            return candidate;
+        }
+        // A free name that still can't be had: no other name will do better.
+        break;
+    }
+    keepAsFound(path);
+    return "";
 }
 
 }  // namespace
@@ -64,12 +196,13 @@ std::unique_ptr<tkFile> fileFromPath(const std::string& path) {
 }
 
 std::unique_ptr<tkTagNode> readTaggedFile(const std::string& path) {
-    const std::unique_ptr<tkFile> file = fileFromPath(path);
-    if (!tkFileManager::instance().exists(*file)) {
+    tkFileManager& manager = tkFileManager::instance();
+    const std::unique_ptr<tkFile> file = manager.makeFile(path);
+    if (!manager.exists(*file)) {
         return nullptr;
     }
     tkTagParser parser;
-    return parser.parse(file->read());
+    return parser.parse(manager.readFile(*file));
 }
 
 void loadPreferences() {
@@ -83,6 +216,34 @@ void loadPreferences() {
         return;
     }
     preferences.fromTag(*node);
+}
+
+std::string setAsideUnreadablePreferences(const tkException& error) {
+    tkFileManager& manager = tkFileManager::instance();
+    std::string path = tkPreferences::instance().preferencesFile();
+    std::string movedTo;
+    if (manager.exists(*manager.makeFile(path))) {
+        // Content that can't be read is moved out of the way of the next
+        // save; a file that can't be read at all may be fine, and stays.
+        if (error.name() != IOException::kName) {
+            movedTo = setAside(path, "");
+        } else {
+            keepAsFound(path);
+        }
+    } else {
+        // The old place: it is never written, so it can stay as it is.
+        path = manager.makeFile(preferencesFilePath(true))->path();
+    }
+    std::string message = "Chronolet Plus could not read its preferences file " + path + ".  ";
+    if (!movedTo.empty()) {
+        message += "The file has been kept as " + movedTo + ", and the default settings are used.";
+    } else {
+        message += "The file has been left where it is, and the default settings are used";
+        message += state().keptAsFound.count(path) != 0
+                       ? "; changes to the settings are not saved while this copy runs."
+                       : ".";
+    }
+    return message + "  Details of the error: " + error.message();
 }
 
 void loadTimers() {
@@ -108,19 +269,16 @@ void openTimeSheet() {
     if (!manager.isWritable(*file)) {
         throw IOException("Time sheet lacks write permissions " + path);
     }
+    // Taken before the read and kept to the end of the run: the lock sits on
+    // a lock file that no save replaces, so it never needs dropping.
+    requireTimeSheetLock(path);
+    manager.sweepTemporaries(file->directory(), {file->name()});
     if (manager.exists(*file)) {
-        manager.checkReadable(*file);
-        // The first take only asks whether another copy of the program owns
-        // the file; the read itself happens with the lock dropped, as every
-        // write does, and the lock is taken back before the text is trusted.
-        takeTimeSheetLock(path);
-        dropTimeSheetLock();
-        const std::string text = file->read();
-        takeTimeSheetLock(path);
-        tkTimeSheet::instance().readTabbedText(text);
+        readRowsOf(path, readKeptOnFailure(*file));
     } else {
         tkTimeSheet::instance().setDirty(true);
     }
+    state().keptAsFound.erase(path);
     tkAppState::instance().attachTimeSheetHandler();
     state().timeSheetReady = true;
 }
@@ -130,30 +288,76 @@ int32_t switchTimeSheet(const tkFile& file, bool load, bool create) {
     try {
         manager.createFile(file);
         manager.checkReadable(file);
-    } catch (const IOException&) {
+    } catch (const IOException& error) {
+        reportError(error);
         return 1;
     }
+    tkPreferences& preferences = tkPreferences::instance();
+    tkTimeSheet& sheet = tkTimeSheet::instance();
+    const std::string path = file.path();
+    const std::string oldPath = preferences.timeSheetFile();
+    const bool hadLock = holdsTimeSheetLock(path);
+    const bool wasDirty = sheet.isDirty();
+    // Loading rows and rolling them back must not write either file per row.
+    SheetSavesHeld held;
+    std::set<const tkRecord*> present;
+    bool rowsAdded = false;
+    const auto rollBack = [&](const tkException& error) {
+        if (rowsAdded) {
+            // The rows that the new file brought go again.
+            const tkRecordRows rows = sheet.rows();
+            for (uint32_t row = static_cast<uint32_t>(rows.size()); row-- > 0;) {
+                if (present.count(rows[row].get()) == 0) {
+                    sheet.removeRecordAtRow(row);
+                }
+            }
+            sheet.setDirty(wasDirty);
+        }
+        if (!hadLock) {
+            releaseTimeSheetLock(path);
+        }
+        reportError(error);
+    };
     try {
         manager.createWritableFile(file);
-        // Without a move: the user picked a file to use, not a new place for
-        // the old one.
-        tkPreferences::instance().setTimeSheetFile(file.path(), false);
-        dropTimeSheetLock();
+        requireTimeSheetLock(path);
         if (load) {
-            openTimeSheet();
+            const std::string text = manager.readFile(file);
+            for (const auto& record : sheet.rows()) {
+                present.insert(record.get());
+            }
+            readRowsOf(path, text);
+            rowsAdded = true;
         }
-        if (create) {
-            // The post already writes the file through the handler; the
-            // direct call then finds the flag clear.
-            tkTimeSheet::instance().setDirty(true);
-            saveTimeSheet();
+        if (load || create) {
+            // Chosen to be read or written anew: no longer a file to keep.
+            state().keptAsFound.erase(path);
+            // The new file is written whole before the preferences name it,
+            // so that a kill at any moment leaves them naming a file that
+            // holds the rows.
+            manager.replaceFile(file, sheet.tabbedText());
         }
-    } catch (const IOException&) {
+    } catch (const IOException& error) {
+        rollBack(error);
         return 2;
-    } catch (const StringFormatException&) {
+    } catch (const tkFileWriteException& error) {
+        rollBack(error);
+        return 2;
+    } catch (const StringFormatException& error) {
+        rollBack(error);
         return 3;
-    } catch (const tkFileLockedException&) {
+    } catch (const tkFileLockedException& error) {
+        rollBack(error);
         return 4;
+    }
+    // Without a move: the user picked a file to use, not a new place for the
+    // old one.
+    preferences.setTimeSheetFile(path, false);
+    if (oldPath != path) {
+        releaseTimeSheetLock(oldPath);
+    }
+    if (load || create) {
+        sheet.setDirty(false);
     }
     return 0;
 }
@@ -163,9 +367,10 @@ void saveTimers() {
     if (!timers.isDirty()) {
         return;
     }
-    const std::unique_ptr<tkFile> file = writableFile(tkPreferences::instance().timersFile());
-    file->write(timers.toTag()->toText(0));
-    timers.clearDirty();
+    if (writeDataFile(tkPreferences::instance().timersFile(), Guard::DataFolder,
+                      [&timers] { return timers.toTag()->toText(0); })) {
+        timers.clearDirty();
+    }
 }
 
 void savePreferences() {
@@ -173,39 +378,42 @@ void savePreferences() {
     if (!preferences.isDirty()) {
         return;
     }
-    const std::unique_ptr<tkFile> file = writableFile(preferences.preferencesFile());
-    file->write(preferences.toTag()->toText(0));
-    preferences.setDirty(false);
+    if (writeDataFile(preferences.preferencesFile(), Guard::DataFolder,
+                      [&preferences] { return preferences.toTag()->toText(0); })) {
+        preferences.setDirty(false);
+    }
 }
 
 void saveTimeSheet() {
     tkTimeSheet& sheet = tkTimeSheet::instance();
-    if (!sheet.isDirty()) {
+    if (!sheet.isDirty() || state().sheetSavesHeld) {
         return;
     }
-    const std::string path = tkPreferences::instance().timeSheetFile();
-    const std::unique_ptr<tkFile> file = writableFile(path);
-    // Built before the lock is dropped, so that the unlocked moment is only
-    // as long as the write.
-    const std::string text = sheet.tabbedText();
-    dropTimeSheetLock();
-    file->write(text);
-    // A failure here leaves the text on disk and the flag set: the next
-    // change tries again.
-    takeTimeSheetLock(path);
-    sheet.setDirty(false);
+    if (writeDataFile(tkPreferences::instance().timeSheetFile(), Guard::TimeSheet,
+                      [&sheet] { return sheet.tabbedText(); })) {
+        sheet.setDirty(false);
+    }
 }
 
 std::string moveCorruptTimers() {
+    // Never deleted: when the shared place in /tmp is taken (anyone can plant
+    // a file there), the file goes to a free name in the data folder instead.
+    return setAside(tkPreferences::instance().timersFile(), kCorruptTimersPath);
+}
+
+void keepAsFound(const std::string& path) {
     tkFileManager& manager = tkFileManager::instance();
-    const std::unique_ptr<tkFile> file = manager.makeFile(tkPreferences::instance().timersFile());
-    // An existing file at the destination is not removed first: a move onto
-    // it fails, and then the broken file is deleted instead.
-    if (manager.moveFile(*file, kCorruptTimersPath)) {
-        return kCorruptTimersPath;
+    // Where nothing stands there is nothing to keep.
+    if (manager.exists(*manager.makeFile(path))) {
+        state().keptAsFound.insert(path);
     }
-    manager.removeFile(*file);
-    return "";
+}
+
+void sweepDataFolderTemporaries() {
+    tkPreferences& preferences = tkPreferences::instance();
+    tkFileManager::instance().sweepTemporaries(
+        applicationSupportFolder(), {tkFile::lastPathComponent(preferences.timersFile()),
+                                     tkFile::lastPathComponent(preferences.preferencesFile())});
 }
 
 void writeFileSafely(const std::string& text, const tkFile& file) {
@@ -215,7 +423,7 @@ void writeFileSafely(const std::string& text, const tkFile& file) {
 }
 
 int32_t timeSheetLock() {
-    return state().timeSheetLock;
+    return timeSheetLockDescriptor(tkPreferences::instance().timeSheetFile());
 }
 
 bool timeSheetReady() {

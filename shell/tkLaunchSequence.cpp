@@ -9,10 +9,12 @@
 #include "foundation/tkFileLockedException.h"
 #include "foundation/tkFileManager.h"
 #include "foundation/tkMalformedFileException.h"
+#include "preferences/tkPaths.h"
 #include "preferences/tkPreferences.h"
 #include "records/tkKnownRecordItems.h"
 #include "shell/tkAppState.h"
 #include "shell/tkDataFiles.h"
+#include "shell/tkDataLocks.h"
 #include "timers/ItkTimerUI.h"
 #include "timers/tkTimerArray.h"
 #include "timers/tkTimerControl.h"
@@ -47,6 +49,12 @@ tkLaunchSequence::tkLaunchSequence(ItkAppFrontEnd& frontEnd, FileManagerFactory 
 void tkLaunchSequence::applicationDidFinishLaunching() {
     // 1. Everything below reaches the disk through this one object.
     tkFileManager::install(_makeFileManager());
+    // One copy of the application owns its files. A second copy quits here,
+    // before it reads or writes anything: the copy that runs has every change.
+    if (!takeOwnershipStep()) {
+        terminate();
+        return;
+    }
     // 2. Both exist before anything can post to them.
     tkAppState::instance();
     tkKnownRecordItems::instance();
@@ -90,36 +98,85 @@ void tkLaunchSequence::applicationDidFinishLaunching() {
     }
 }
 
+bool tkLaunchSequence::takeOwnershipStep() {
+    std::string reason;
+    switch (acquireDataFolderLock(&reason)) {
+        case tkLockOutcome::Taken:
+            sweepDataFolderTemporaries();
+            return true;
+        case tkLockOutcome::HeldElsewhere:
+            _frontEnd.showErrorDialog(
+                tkException("Already Running",
+                            "Chronolet Plus is already running: another copy holds its files in " +
+                                applicationSupportFolder() +
+                                ".  This copy closes without changing them."),
+                true);
+            return false;
+        case tkLockOutcome::Unavailable:
+            // Without the lock nothing is saved (each save says why); the
+            // launch goes on so that the user can see the data.
+            _frontEnd.showErrorDialog(
+                tkException("Files Not Locked", "Chronolet Plus could not lock its files in " +
+                                                    applicationSupportFolder() + " (" + reason +
+                                                    "), so changes can't be saved."),
+                false);
+            return true;
+    }
+    return true;
+}
+
 void tkLaunchSequence::loadPreferencesStep() {
     try {
         loadPreferences();
     } catch (const tkException& error) {
-        // The launch goes on with the defaults.
-        _frontEnd.showErrorDialog(error, false);
+        // The launch goes on with the defaults; the file is moved aside or
+        // kept, never written over (deliberately more than the bare report).
+        _frontEnd.showErrorDialog(tkException(error.name(), setAsideUnreadablePreferences(error)),
+                                  false);
     }
 }
 
 void tkLaunchSequence::loadTimersStep() {
+    // The file that was read: the present one, or the old one when the
+    // present place held nothing. Only the present one is ever written.
+    const std::string present = tkPreferences::instance().timersFile();
+    const bool fromPresent = tkFileManager::instance().exists(*fileFromPath(present));
+    const std::string path = fromPresent ? present : fileFromPath(timersFilePath(true))->path();
+    std::string title = "Malformed File";
+    std::string message = "Chronolet Plus could not read the timer file from " + path + ".  ";
     try {
         loadTimers();
-    } catch (const tkMalformedFileException& error) {
-        const std::string path = tkPreferences::instance().timersFile();
-        const std::string movedTo = moveCorruptTimers();
-        std::string message = "Chronolet Plus could not read the timer file from " + path;
-        if (!movedTo.empty()) {
-            message += ".  This file has been moved to " + movedTo + ".";
+        return;
+    } catch (const IOException& error) {
+        // The file itself could not be read, so what it holds is unknown:
+        // it stays where it is, untouched.
+        title = "Timers Not Read";
+        if (fromPresent) {
+            keepAsFound(path);
+            message +=
+                "This file has been left where it is, and timer changes are not saved "
+                "while this copy runs.";
         } else {
-            // Two full stops in a row: the pieces are joined as they stand,
-            // and that is how the message has always read.
-            message += ".  This file could not be moved; it has been deleted.";
-            message += ".";
+            message += "This file has been left where it is.";
         }
         message += "  Details of the error: " + error.message();
-        _frontEnd.showErrorDialog(tkException("Malformed File", message), false);
-        // The timers handler stays off for this run: loadTimers left before
-        // attaching it, and the direct saves of the controller keep the file
-        // current instead.
+    } catch (const tkException& error) {
+        const std::string movedTo = fromPresent ? moveCorruptTimers() : "";
+        if (!movedTo.empty()) {
+            message += "This file has been moved to " + movedTo + ".";
+        } else if (fromPresent) {
+            message +=
+                "This file could not be moved; it has been left where it is, and timer "
+                "changes are not saved while this copy runs.";
+        } else {
+            message += "This file has been left where it is.";
+        }
+        message += "  Details of the error: " + error.message();
     }
+    _frontEnd.showErrorDialog(tkException(title, message), false);
+    // Deliberately attached although the load failed: the timers of this run
+    // are saved to a fresh file, where they would otherwise be lost.
+    tkAppState::instance().attachTimersHandler();
 }
 
 void tkLaunchSequence::openTimeSheetStep() {
@@ -134,8 +191,11 @@ void tkLaunchSequence::openTimeSheetStep() {
         logLine("file locked exception");
         _frontEnd.showErrorDialog(error, true);
         window = tkTSErrorWindow::Locked;
-    } catch (const IOException&) {
+    } catch (const IOException& error) {
         logLine("Cannot read the time sheet file.");
+        // The reason (a folder, no write permission, ...) is shown, not only
+        // logged: the window alone can't tell the user what is wrong.
+        _frontEnd.showErrorDialog(error, true);
         window = tkTSErrorWindow::Read;
     } catch (const tkException& error) {
         _frontEnd.showErrorDialog(error, false);
@@ -197,7 +257,11 @@ void tkLaunchSequence::newTimer() {
 void tkLaunchSequence::applicationWillTerminate() {
     // Written at every orderly exit, changed or not.
     tkTimeSheet::instance().setDirty(true);
-    // The other two files are current by design; only their handlers go.
+    // The other two are current by design, unless a save failed: this is
+    // the last chance for a change that is still pending. Then their
+    // handlers go.
+    saveTimers();
+    savePreferences();
     tkAppState::instance().detachPreferencesHandlers();
     tkAppState::instance().detachTimersHandler();
 }

@@ -49,6 +49,8 @@ class tkLaunchSequence {
     bool timerMenuIsChanging() const { return _timerMenuIsChanging; }
 
   private:
+    // False when another copy of the application owns the files.
+    bool takeOwnershipStep();
     void loadPreferencesStep();
     void loadTimersStep();
     void openTimeSheetStep();

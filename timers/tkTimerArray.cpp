@@ -66,6 +66,12 @@ void tkTimerArray::addController(std::unique_ptr<tkTimerController> controller) 
     tkTimerController* added = controller.get();
     timers_.push_back(std::move(controller));
     added->setNumber(numTimers() - 1);
+    // Showing each timer of a file as it comes and sorting all titles again
+    // made a load quadratic in the number of timers; the load does both once
+    // at its end.
+    if (addingFromFile_) {
+        return;
+    }
     // A bulk load that silenced the center refreshes the window itself when it
     // resumes.
     if (!tkNotificationCenter::instance().isSuspended()) {
@@ -325,6 +331,13 @@ void tkTimerArray::fromTag(const tkTagNode& node) {
     int32_t loadedFront = 0;
     bool oldForm = false;
     int32_t t = 0;
+    addingFromFile_ = true;
+    // A timer that can't be read ends the load with an exception; later adds
+    // must show their timer again.
+    struct EndOfAdding {
+        bool& flag;
+        ~EndOfAdding() { flag = false; }
+    } endOfAdding{addingFromFile_};
     for (int32_t i = 0; i < node.childCount(); ++i) {
         const tkTagNode* child = node.childAt(i);
         if (!isTimerElement(child->name())) {
@@ -342,6 +355,11 @@ void tkTimerArray::fromTag(const tkTagNode& node) {
             }
         }
         ++t;
+    }
+    addingFromFile_ = false;
+    if (!timers_.empty() && !tkNotificationCenter::instance().isSuspended()) {
+        // Where showing timer after timer would have left the window.
+        refreshFrontWindow(static_cast<int32_t>(numTimers()) - 1);
     }
     rebuildTitleOrder();
 

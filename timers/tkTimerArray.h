@@ -47,7 +47,9 @@ class tkTimerArray : public ItkXMLCreatable {
     uint32_t numWindows() const { return static_cast<uint32_t>(windows_.size()); }
 
     // Appends, numbers it, shows it (unless notifications are suspended) and
-    // rebuilds the title order. Sets no dirty flag.
+    // rebuilds the title order. Sets no dirty flag. While fromTag reads a file
+    // it only appends and numbers: the showing and the title order are done
+    // once behind the last timer.
     void addController(std::unique_ptr<tkTimerController> controller);
     void addWindow(std::unique_ptr<tkTimerWindow> window);
 
@@ -126,6 +128,8 @@ class tkTimerArray : public ItkXMLCreatable {
     bool globalDetailMode_ = true;
     bool drawerOpen_ = true;
     bool isLoading_ = false;
+    // Set while fromTag adds the timers of a file; see addController.
+    bool addingFromFile_ = false;
     std::map<int32_t, int32_t> titleOrder_;
 
     // A removed controller is not destroyed at once: the user interface may

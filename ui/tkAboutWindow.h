@@ -3,7 +3,7 @@
 #include <QDialog>
 
 // The About window ("about"): the application's name and icon, and its
-// version and build number as the build stamped them.
+// version and build number from the version file the build wrote.
 class tkAboutWindow : public QDialog {
     Q_OBJECT
 
@@ -13,7 +13,4 @@ class tkAboutWindow : public QDialog {
 
     // Raises the window and gives it the keyboard.
     void show();
-
-    // "version <version> - build <build number>".
-    static QString versionText();
 };

@@ -12,7 +12,7 @@
 #include "platform/tkSystemVersionPosix.h"
 #include "records/tkDateFormatter.h"
 #include "shell/tkCommandSocket.h"
-#include "shell/tkDataFiles.h"
+#include "shell/tkDataLocks.h"
 #include "shell/tkErrorReporting.h"
 #include "timers/tkRefreshTicker.h"
 #include "timers/tkTimerArray.h"
@@ -148,8 +148,9 @@ bool tkCLTAppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows) {
 }
 
 bool tkCLTAppDelegate::startCommandServer(const std::string& socketPath) {
-    // Only the owner of the time sheet answers for this data folder.
-    if (timeSheetLock() < 0) {
+    // Only the owner of the data folder answers for it: a second start
+    // always reaches the copy that has every change.
+    if (!holdsDataFolderLock()) {
         return false;
     }
     if (commandServer_ == nullptr) {

@@ -40,7 +40,7 @@ class tkCLTAppDelegate : public QObject, public ItkAppFrontEnd {
     static bool hasVisibleWindows();
 
     // Serves second starts and the command-line tool at `socketPath`; false
-    // when another process serves it or this one doesn't own the time sheet.
+    // when another process serves it or this one doesn't own the data folder.
     bool startCommandServer(const std::string& socketPath);
     tkCommandReply handleCommand(const std::vector<std::string>& words);
 

@@ -21,7 +21,7 @@ class tkCommandServerQt : public QObject {
 
     // Listens at `path`. A socket left there by a crashed copy is removed
     // first; one that another process serves is left alone and false is
-    // returned. Call only while holding the time sheet's lock, so that the
+    // returned. Call only while holding the data folder's lock, so that the
     // socket always belongs to the lock's owner.
     bool listen(const std::string& path);
 

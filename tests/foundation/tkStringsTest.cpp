@@ -95,3 +95,21 @@ TEST(startsWith, ComparesBytes) {
     EXPECT_FALSE(startsWith("abc", "b"));
     EXPECT_FALSE(startsWith("abc", "AB"));
 }
+
+TEST(quotableExcerpt, EscapesWhatWouldNotShowAndClipsAtACharacterBoundary) {
+    struct Case {
+        std::string text;
+        std::size_t limit;
+        std::string expected;
+    };
+    const std::vector<Case> cases = {
+        {"caf\xc3\xa9 ok", 60, "caf\xc3\xa9 ok"},
+        {std::string("a\0b\t\xff broken \xc3", 14), 60, "a\\x00b\\x09\\xff broken \\xc3"},
+        {"abcdefgh", 5, "abcde..."},
+        // A character is never cut in two.
+        {"abcd\xc3\xa9x", 5, "abcd..."},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(quotableExcerpt(c.text, c.limit), c.expected) << "text: " << c.text;
+    }
+}

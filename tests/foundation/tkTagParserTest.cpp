@@ -126,6 +126,8 @@ TEST(tkTagParser, AnUnmatchedTagIsAMalformedFile) {
         {"<a b=\"c\">x</a>", "a b=\"c\""},
         {"<r><Item>1</Item><x>2</r>", "x"},
         {"<>", ""},
+        // A tag from a broken or hostile file is quoted clipped and escaped.
+        {"<x\x01\xff" + std::string(100, 'y') + ">", "x\\x01\\xff" + std::string(57, 'y') + "..."},
     };
     for (const auto& c : cases) {
         tkStdoutCapture out;
@@ -142,6 +144,29 @@ TEST(tkTagParser, AnUnmatchedTagIsAMalformedFile) {
                       c.tag + " tag.\n")
             << "input: " << c.input;
     }
+}
+
+// However deep a hostile file nests, it is read whole, without recursion and
+// in time linear in its size.
+TEST(tkTagParser, DeepNestingIsReadWhole) {
+    constexpr int kDepth = 100000;
+    std::string text;
+    for (int i = 0; i < kDepth; ++i) {
+        text += "<n" + std::to_string(i) + ">";
+    }
+    text += "leaf";
+    for (int i = kDepth; i-- > 0;) {
+        text += "</N" + std::to_string(i) + ">";
+    }
+    auto node = parse(text);
+    int depth = 1;
+    const tkTagNode* at = node.get();
+    while (at->childCount() == 1) {
+        at = at->childAt(0);
+        ++depth;
+    }
+    EXPECT_EQ(depth, kDepth);
+    EXPECT_EQ(at->text(), "leaf");
 }
 
 TEST(tkTagParser, CanBeReusedAfterAFailure) {

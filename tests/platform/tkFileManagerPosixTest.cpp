@@ -35,9 +35,12 @@ class tkFileManagerPosixTest : public ::testing::Test {
 
 // ---- createDirectory, createFile ----
 
-TEST_F(tkFileManagerPosixTest, CreateDirectoryMakesTheChainButNotThroughAFile) {
+TEST_F(tkFileManagerPosixTest, CreateDirectoryMakesThePrivateChainButNotThroughAFile) {
     EXPECT_TRUE(manager.createDirectory("~/a/b/c"));
     EXPECT_TRUE(std::filesystem::is_directory(home.path("a/b/c")));
+    for (const char* folder : {"a", "a/b", "a/b/c"}) {
+        EXPECT_EQ(permissionsOf(home.path(folder)), 0700u) << folder;
+    }
     home.writeText("plain", "x");
     EXPECT_TRUE(manager.createDirectory(home.path("plain")));
     EXPECT_FALSE(manager.createDirectory(home.path("plain/sub")));
@@ -192,6 +195,81 @@ TEST_F(tkFileManagerPosixTest, SafeSavePicksALongerTemporaryNameAndLeavesOldOnes
     EXPECT_EQ(home.readText("d/~data"), "leftover 1");
     EXPECT_EQ(home.readText("d/~~data"), "leftover 2");
     EXPECT_FALSE(home.exists("d/~~~data"));
+}
+
+// ---- replaceFile ----
+
+// While a save writes a big file, its temporary never shows anyone more than
+// the finished file will: it has the target's permissions from its first byte.
+TEST_F(tkFileManagerPosixTest, TemporariesNeverShowWiderPermissionsThanTheTarget) {
+    home.writeText("d/secret", "old");
+    home.writeText("d/export", "old");
+    ::chmod(home.path("d/secret").c_str(), 0600);
+    ::chmod(home.path("d/export").c_str(), 0600);
+    const pid_t writer = ::fork();
+    ASSERT_GE(writer, 0);
+    if (writer == 0) {
+        tkFileManagerPosix own;
+        const std::string big(4 << 20, 'x');
+        for (;;) {
+            own.replaceFile(*own.makeFile(home.path("d/secret")), big);
+            own.safeSave(*own.makeFile(home.path("d/export")), big);
+        }
+    }
+    // Temporaries of either save, caught in flight.
+    int seen[2] = {0, 0};
+    for (int look = 0; look < 20000 && (seen[0] < 10 || seen[1] < 10); ++look) {
+        for (const std::string& name : manager.listDirectory(home.path("d"))) {
+            struct stat info;
+            if (name == "secret" || name == "export" ||
+                ::lstat(home.path("d/" + name).c_str(), &info) != 0) {
+                continue;
+            }
+            ++seen[name[0] == '~' ? 1 : 0];
+            EXPECT_EQ(info.st_mode & 07777, 0600u) << name;
+        }
+    }
+    ::kill(writer, SIGKILL);
+    ::waitpid(writer, nullptr, 0);
+    EXPECT_GT(seen[0], 0) << "no temporary of replaceFile was caught in flight";
+    EXPECT_GT(seen[1], 0) << "no temporary of safeSave was caught in flight";
+}
+
+// ---- lockFile ----
+
+TEST_F(tkFileManagerPosixTest, LockFileTriesOnceOrWaitsForTheHolderToLetGo) {
+    const std::string lock = home.path(".data.lock");
+    int release[2];
+    int ready[2];
+    ASSERT_EQ(::pipe(release), 0);
+    ASSERT_EQ(::pipe(ready), 0);
+    const pid_t holder = ::fork();
+    ASSERT_GE(holder, 0);
+    if (holder == 0) {
+        tkFileManagerPosix own;
+        const char ok = own.lockFile(lock, 0).fd >= 0 ? '1' : '0';
+        (void)!::write(ready[1], &ok, 1);
+        char go = 0;
+        (void)!::read(release[0], &go, 1);
+        ::_exit(0);  // the lock dies with the process
+    }
+    char ok = 0;
+    ASSERT_EQ(::read(ready[0], &ok, 1), 1);
+    ASSERT_EQ(ok, '1');
+    EXPECT_EQ(permissionsOf(lock), 0644u) << "others who share a sheet lock it too";
+
+    const tkLockAttempt refused = manager.lockFile(lock, 0);
+    EXPECT_EQ(refused.fd, -1);
+    EXPECT_TRUE(refused.heldElsewhere);
+
+    const char go = 'g';
+    ASSERT_EQ(::write(release[1], &go, 1), 1);
+    // Generous: the holder exits at once, but the machine may be busy.
+    const tkLockAttempt waited = manager.lockFile(lock, 60000);
+    EXPECT_GE(waited.fd, 0);
+    EXPECT_NE(::fcntl(waited.fd, F_GETFD) & FD_CLOEXEC, 0) << "a forked child must not inherit it";
+    manager.closeLocked(waited.fd);
+    ::waitpid(holder, nullptr, 0);
 }
 
 // ---- openLocked, closeLocked ----

@@ -103,47 +103,48 @@ TEST(tkFilePosixWrite, WritesThroughSymlinkAndKeepsTheLink) {
     EXPECT_EQ(home.readText("target.txt"), "new");
 }
 
-TEST(tkFilePosixWrite, FolderAndFilePermissionsDecideHowOrWhetherToWrite) {
-    tkTempHome home;
-    home.writeText("locked/f.txt", "old content");
-    ::chmod(home.path("locked/f.txt").c_str(), 0666);
-    ::chmod(home.path("locked").c_str(), 0555);
-    home.writeText("open/ro.txt", "read only");
-    ::chmod(home.path("open/ro.txt").c_str(), 0444);
-    ::chmod(home.path("open").c_str(), 0777);
-    runUnprivileged(home.root(), [&] {
-        testing::internal::CaptureStdout();
-        // The folder can't take a temporary file: written in place.
-        tkFilePosix(home.path("locked/f.txt")).write("new");
-        EXPECT_EQ(home.readText("locked/f.txt"), "new");
-        // The folder could, but the file itself is not ours to write.
-        tkFilePosix(home.path("open/ro.txt")).write("overwritten");
-        EXPECT_EQ(home.readText("open/ro.txt"), "read only");
-        testing::internal::GetCapturedStdout();
-    });
-}
-
-TEST(tkFilePosixWrite, FileOfAnotherOwnerKeepsItsOwner) {
+// Who may replace what, as an ordinary user sees it: a file is replaced only
+// by a whole new copy that everyone who used it can still use, and otherwise
+// left exactly as it was, never rewritten in place.
+TEST(tkFilePosixWrite, ReplacesOnlyWhatCanBeReplacedWholeAndKeepsSharing) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "needs root to stand in for a second user";
     }
     tkTempHome home;
-    home.writeText("shared/sheet.txt", "old");
-    ::chmod(home.path("shared").c_str(), 0777);
-    ::chmod(home.path("shared/sheet.txt").c_str(), 0666);
-    struct stat before;
-    ASSERT_EQ(::stat(home.path("shared/sheet.txt").c_str(), &before), 0);
+    struct Case {
+        const char* path;
+        mode_t mode;
+        gid_t group;
+        bool replaced;
+    };
+    const Case cases[] = {
+        // The folder takes no new file: refused, not written in place.
+        {"locked/f.txt", 0666, 0, false},
+        {"open/ro.txt", 0444, 0, false},
+        // Everyone may write it: the new copy is the writer's, as usable.
+        {"open/shared.txt", 0666, 0, true},
+        // Shared through a group that its owner is not in: the owner would
+        // lose it to a copy owned by the writer.
+        {"open/group.txt", 0664, 65534, false},
+    };
+    for (const Case& c : cases) {
+        home.writeText(c.path, "old");
+        ASSERT_EQ(::chown(home.path(c.path).c_str(), 0, c.group), 0);
+        ASSERT_EQ(::chmod(home.path(c.path).c_str(), c.mode), 0);
+    }
+    ::chmod(home.path("locked").c_str(), 0555);
+    ::chmod(home.path("open").c_str(), 0777);
     runUnprivileged(home.root(), [&] {
-        // Not the owner: a rename would make the writer the new owner.
-        ASSERT_NE(::geteuid(), before.st_uid);
-        tkFilePosix(home.path("shared/sheet.txt")).write("new");
+        testing::internal::CaptureStdout();
+        for (const Case& c : cases) {
+            tkFilePosix(home.path(c.path)).write("new");
+        }
+        testing::internal::GetCapturedStdout();
     });
-    struct stat after;
-    ASSERT_EQ(::stat(home.path("shared/sheet.txt").c_str(), &after), 0);
-    EXPECT_EQ(home.readText("shared/sheet.txt"), "new");
-    EXPECT_EQ(after.st_uid, before.st_uid);
-    EXPECT_EQ(after.st_gid, before.st_gid);
-    EXPECT_EQ(after.st_mode & 07777, 0666u);
+    for (const Case& c : cases) {
+        EXPECT_EQ(home.readText(c.path), c.replaced ? "new" : "old") << c.path;
+        EXPECT_EQ(permissionsOf(home.path(c.path)), c.mode) << c.path;
+    }
 }
 
 }  // namespace

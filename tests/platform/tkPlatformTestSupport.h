@@ -35,3 +35,13 @@ inline mode_t permissionsOf(const std::string& path) {
     struct stat info;
     return ::stat(path.c_str(), &info) == 0 ? (info.st_mode & 07777) : 0;
 }
+
+// The id of a process that has ended, as a killed program leaves behind.
+inline pid_t endedProcessId() {
+    const pid_t ended = ::fork();
+    if (ended == 0) {
+        ::_exit(0);
+    }
+    ::waitpid(ended, nullptr, 0);
+    return ended;
+}

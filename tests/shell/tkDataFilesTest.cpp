@@ -3,11 +3,16 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+
 #include "foundation/tkFileLockedException.h"
 #include "foundation/tkFileWriteException.h"
 #include "preferences/tkPreferences.h"
 #include "records/tkRecord.h"
 #include "shell/tkAppState.h"
+#include "shell/tkDataLocks.h"
+#include "shell/tkErrorReporting.h"
+#include "tests/platform/tkPlatformTestSupport.h"
 #include "tests/shell/tkShellTestSupport.h"
 #include "timers/tkTimer.h"
 #include "timers/tkTimerArray.h"
@@ -23,10 +28,10 @@ class tkDataFilesTest : public tkShellTest {
         installFaulty();
         openTimeSheet();
     }
-    // True when another descriptor can take the lock, i.e. nobody holds it.
+    // True when another descriptor can take the sheet's lock: nobody holds it.
     bool lockIsFree(const std::string& path) {
         tkFileManagerPosix probe;
-        const int32_t fd = probe.openLocked(path, 0);
+        const int32_t fd = probe.lockFile(timeSheetLockPath(path), 0).fd;
         if (fd < 0) {
             return false;
         }
@@ -45,8 +50,8 @@ TEST_F(tkDataFilesTest, OpenTimeSheetReadsTheRowsAndKeepsTheLock) {
     EXPECT_EQ(tkTimeSheet::instance().rowCount(), 2u);
     EXPECT_TRUE(timeSheetReady());
     EXPECT_FALSE(lockIsFree(sheetPath()));
-    // Taken, dropped for the read, taken again.
-    EXPECT_EQ(faulty->faults().openLockedCalls, 2);
+    // Taken once, on a lock file that no save replaces, and kept.
+    EXPECT_EQ(faulty->faults().openLockedCalls, 1);
 }
 
 TEST_F(tkDataFilesTest, OpenTimeSheetRefusesAnUnwritableFile) {
@@ -98,25 +103,46 @@ TEST_F(tkDataFilesTest, DoubleAttachedSheetHandlerWritesOnce) {
     EXPECT_EQ(home.readText(sheetPath()), row("new"));
 }
 
-TEST_F(tkDataFilesTest, SaveWhoseLockCantBeRetakenThrowsWithTextOnDiskAndFlagSet) {
+// A failed write (here a full disk) keeps each change pending, tells the
+// user once per file with the file and the reason, and the next save that
+// works writes it.
+TEST_F(tkDataFilesTest, FailedSavesKeepTheChangeTellOnceAndWriteItLater) {
+    std::vector<std::string> reports;
+    setErrorReporter([&](const tkException& e) { reports.push_back(e.message()); });
     openSheet(row("a"));
-    faulty->faults().lockFailures = 1;
-    try {
-        tkTimeSheet::instance().setDirty(true);
-        FAIL() << "no exception";
-    } catch (const tkFileLockedException& e) {
-        EXPECT_EQ(e.message(),
-                  "Cannot acquire file lock (perhaps the file is in use?) at " + sheetPath());
+    tkAppState::instance().attachTimersHandler();
+    tkAppState::instance().attachPreferencesHandlers();
+    faulty->faults().diskFull = true;
+    tkTimeSheet::instance().addEntry(record("b"));
+    tkTimeSheet::instance().addEntry(record("c"));
+    tkTimerArray::instance().setDrawerOpen(false);
+    tkPreferences::instance().setTimeSheetOpen(false);
+
+    ASSERT_EQ(reports.size(), 3u) << "one per file, not one per change";
+    for (const std::string& path : {sheetPath(), timersPath(), preferencesPath()}) {
+        const std::string expected = "Could not save " + path + ": No space left on device.";
+        EXPECT_EQ(std::count_if(reports.begin(), reports.end(),
+                                [&](const std::string& r) { return r.find(expected) == 0; }),
+                  1)
+            << path;
     }
     EXPECT_EQ(home.readText(sheetPath()), row("a"));
-    EXPECT_TRUE(tkTimeSheet::instance().isDirty());
-    EXPECT_EQ(timeSheetLock(), -1);
+    EXPECT_FALSE(home.exists(timersPath()));
 
-    // The next change tries again and gets the lock back.
-    tkTimeSheet::instance().setDirty(true);
-    EXPECT_FALSE(tkTimeSheet::instance().isDirty());
-    EXPECT_GE(timeSheetLock(), 0);
-    EXPECT_FALSE(lockIsFree(sheetPath()));
+    faulty->faults().diskFull = false;
+    tkTimeSheet::instance().addEntry(record("d"));
+    saveTimers();
+    savePreferences();
+    EXPECT_EQ(home.readText(sheetPath()), row("a") + row("b") + row("c") + row("d"));
+    EXPECT_NE(home.readText(timersPath())->find("<drawerOpen>false</drawerOpen>"),
+              std::string::npos);
+    EXPECT_NE(home.readText(preferencesPath())->find("<timesheetOpen>false"), std::string::npos);
+
+    // After a save that worked, a new failure is told again.
+    faulty->faults().diskFull = true;
+    tkTimeSheet::instance().addEntry(record("e"));
+    EXPECT_EQ(reports.size(), 4u);
+    setErrorReporter(nullptr);
 }
 
 TEST_F(tkDataFilesTest, SheetDeletedWhileRunningIsWrittenAgainByTheNextSave) {
@@ -125,19 +151,6 @@ TEST_F(tkDataFilesTest, SheetDeletedWhileRunningIsWrittenAgainByTheNextSave) {
     tkTimeSheet::instance().addEntry(record("b"));
     EXPECT_EQ(home.readText(sheetPath()), row("a") + row("b"));
     EXPECT_FALSE(lockIsFree(sheetPath())) << "the lock sits on the new file";
-}
-
-TEST_F(tkDataFilesTest, FailedSaveKeepsTheDirtyFlagForTheNextTry) {
-    installFaulty();
-    tkAppState::instance().attachTimersHandler();
-    faulty->faults().createFails = true;
-    EXPECT_THROW(tkTimerArray::instance().setTimerOpen(false), IOException);
-    EXPECT_TRUE(tkTimerArray::instance().isDirty());
-    EXPECT_FALSE(home.exists(timersPath()));
-    faulty->faults().createFails = false;
-    saveTimers();
-    EXPECT_FALSE(tkTimerArray::instance().isDirty());
-    EXPECT_TRUE(home.exists(timersPath()));
 }
 
 // ---- switching the time sheet ----
@@ -173,6 +186,24 @@ TEST_F(tkDataFilesTest, SwitchWithLoadAddsTheRowsOfTheOtherFile) {
     EXPECT_TRUE(lockIsFree(sheetPath()));
 }
 
+// The rows of the other file go in without a write per row; then the new
+// file is written once and whole, and only then do the preferences name it.
+TEST_F(tkDataFilesTest, SwitchWritesTheNewFileOnceBeforeThePreferencesNameIt) {
+    openSheet(row("a"));
+    tkAppState::instance().attachPreferencesHandlers();
+    std::string other;
+    for (int i = 0; i < 100; ++i) {
+        other += row("x" + std::to_string(i));
+    }
+    home.writeText("other.txt", other);
+    faulty->faults().replaced.clear();
+    EXPECT_EQ(switchTimeSheet(*fileFromPath(home.path("other.txt")), true, false), 0);
+    EXPECT_EQ(faulty->faults().replaced,
+              (std::vector<std::string>{home.path("other.txt"), preferencesPath()}));
+    EXPECT_EQ(home.readText("other.txt"), row("a") + other);
+    EXPECT_FALSE(tkTimeSheet::instance().isDirty());
+}
+
 TEST_F(tkDataFilesTest, SwitchAnswersEachFailureWithItsCode) {
     openSheet("");
     home.writeText("bad.txt", "no tabs\n");
@@ -180,30 +211,40 @@ TEST_F(tkDataFilesTest, SwitchAnswersEachFailureWithItsCode) {
 
     home.writeText("held.txt", "");
     tkFileManagerPosix other;
-    const int32_t held = other.openLocked(home.path("held.txt"), 0);
+    const int32_t held = other.lockFile(timeSheetLockPath(home.path("held.txt")), 0).fd;
     ASSERT_GE(held, 0);
     EXPECT_EQ(switchTimeSheet(*fileFromPath(home.path("held.txt")), true, false), 4);
     other.closeLocked(held);
 
     faulty->faults().createFails = true;
     EXPECT_EQ(switchTimeSheet(*fileFromPath(home.path("cannot/exist.txt")), true, false), 1);
-    EXPECT_EQ(tkPreferences::instance().timeSheetFile(), home.path("held.txt"))
-        << "a failure before the switch leaves the last path";
+    EXPECT_EQ(tkPreferences::instance().timeSheetFile(), sheetPath())
+        << "no failed switch changes the preferences";
+    EXPECT_FALSE(lockIsFree(sheetPath()));
 }
 
 // ---- the corrupt timers file, the safe write ----
 
-TEST_F(tkDataFilesTest, MoveCorruptTimersMovesOrDeletes) {
+// A broken timers file is never deleted: when the place in /tmp is taken
+// (any local user can plant a file there) it goes to a free name in the data
+// folder, and wherever it lands only its owner can read it.
+TEST_F(tkDataFilesTest, CorruptTimersAreMovedPrivatelyAndNeverDeleted) {
     tkCorruptTimersGuard guard;
     installFaulty();
     home.writeText(timersPath(), "first");
+    ::chmod(timersPath().c_str(), 0644);
     EXPECT_EQ(moveCorruptTimers(), "/tmp/corrupt_timers.txt");
     EXPECT_EQ(guard.contents(), "first");
-    EXPECT_FALSE(home.exists(timersPath()));
+    EXPECT_EQ(permissionsOf(tkCorruptTimersGuard::kPath), 0600u);
 
-    home.writeText(timersPath(), "second");
     testing::internal::CaptureStderr();
-    EXPECT_EQ(moveCorruptTimers(), "");
+    for (const std::string suffix : {" (unreadable).txt", " (unreadable 2).txt"}) {
+        home.writeText(timersPath(), "broken" + suffix);
+        const std::string movedTo = moveCorruptTimers();
+        EXPECT_EQ(movedTo, home.supportFolder() + "/Chronolet Timers" + suffix);
+        EXPECT_EQ(home.readText(movedTo), "broken" + suffix);
+        EXPECT_EQ(permissionsOf(movedTo), 0600u);
+    }
     testing::internal::GetCapturedStderr();
     EXPECT_EQ(guard.contents(), "first") << "never moved over an existing file";
     EXPECT_FALSE(home.exists(timersPath()));

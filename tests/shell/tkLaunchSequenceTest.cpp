@@ -10,6 +10,8 @@
 #include "records/tkRecord.h"
 #include "shell/tkAppState.h"
 #include "shell/tkDataFiles.h"
+#include "shell/tkDataLocks.h"
+#include "tests/platform/tkPlatformTestSupport.h"
 #include "tests/shell/tkShellTestSupport.h"
 #include "timers/tkHeadlessTimerUI.h"
 #include "timers/tkHeadlessTimerWindow.h"
@@ -125,40 +127,38 @@ TEST_F(tkLaunchTest, MalformedTimersFileIsMovedAsideAndReported) {
                   ".  This file has been moved to /tmp/corrupt_timers.txt.  Details of the error: "
                   "File has unmatched timerArray tag.");
 
-    // The application is usable: a fresh timer, and its changes reach the
-    // file through the controller's direct saves although no handler is on.
+    EXPECT_EQ(permissionsOf(tkCorruptTimersGuard::kPath), 0600u) << "in a folder everyone reads";
+
+    // The application is usable: a fresh timer, and every change of this
+    // run reaches a fresh timers file.
     tkTimerArray& timers = tkTimerArray::instance();
     ASSERT_EQ(timers.numTimers(), 1u);
-    timers.controllerAt(0)->startStop();
+    timers.timerAt(0)->setTitle("Kept after the recovery");
     const std::optional<std::string> saved = home.readText(timersPath());
     ASSERT_TRUE(saved.has_value());
-    EXPECT_NE(saved->find("<started>true</started>"), std::string::npos) << *saved;
+    EXPECT_NE(saved->find("Kept after the recovery"), std::string::npos) << *saved;
 }
 
-TEST_F(tkLaunchTest, MalformedTimersFileThatCantBeMovedIsDeleted) {
-    tkCorruptTimersGuard guard;
-    guard.plant("left by an earlier crash");
-    home.writeText(timersPath(), "<timerArray>");
+// A broken preferences file is kept under a free name and named in the
+// message; the defaults are used and saved without touching it.
+TEST_F(tkLaunchTest, BadPreferencesAreSetAsideNamedAndDefaultsUsed) {
+    const std::string broken = "<tkPreferences><singleWindowMode>false";
+    home.writeText(preferencesPath(), broken);
     launch();
-
-    EXPECT_EQ(guard.contents(), "left by an earlier crash");
-    const auto dialogs = frontEnd.eventsOf(Kind::ErrorDialog);
-    ASSERT_EQ(dialogs.size(), 1u);
-    // The doubled full stop is how this message has always read.
-    EXPECT_EQ(dialogs[0].message,
-              "Chronolet Plus could not read the timer file from " + timersPath() +
-                  ".  This file could not be moved; it has been deleted..  Details of the error: "
-                  "File has unmatched timerArray tag.");
-    EXPECT_EQ(tkTimerArray::instance().numTimers(), 1u);
-}
-
-TEST_F(tkLaunchTest, BadPreferencesAreReportedAndDefaultsUsed) {
-    home.writeText(preferencesPath(), "<tkPreferences><singleWindowMode>false");
-    launch();
+    const std::string keptAs = home.supportFolder() + "/Chronolet Preferences (unreadable).txt";
     const auto dialogs = frontEnd.eventsOf(Kind::ErrorDialog);
     ASSERT_EQ(dialogs.size(), 1u);
     EXPECT_FALSE(dialogs[0].modal);
+    EXPECT_EQ(dialogs[0].message, "Chronolet Plus could not read its preferences file " +
+                                      preferencesPath() + ".  The file has been kept as " + keptAs +
+                                      ", and the default settings are used.  Details of the "
+                                      "error: File has unmatched tkPreferences tag.");
     EXPECT_TRUE(tkPreferences::instance().isSingleWindowMode());
+    EXPECT_EQ(home.readText(keptAs), broken);
+    EXPECT_EQ(permissionsOf(keptAs), 0600u);
+    tkPreferences::instance().setSingleWindowMode(false);
+    EXPECT_NE(home.readText(preferencesPath())->find("false"), std::string::npos);
+    EXPECT_EQ(home.readText(keptAs), broken);
     EXPECT_EQ(tkTimerArray::instance().numTimers(), 1u);
 }
 
@@ -179,7 +179,7 @@ TEST_F(tkLaunchTest, BadlyFormattedSheetShowsModalDialogThenReadWindow) {
     EXPECT_EQ(home.readText(sheetPath()), "no tabs in this line\n") << "the bad file is kept";
 }
 
-TEST_F(tkLaunchTest, UnwritableSheetLogsAndOpensTheReadWindowWithoutDialog) {
+TEST_F(tkLaunchTest, UnwritableSheetShowsWhyThenOpensTheReadWindow) {
     home.writeText(sheetPath(), row("mine"));
     ::chmod(sheetPath().c_str(), 0444);
     frontEnd.scriptAnswer({tkTSErrorAnswer::Action::CreateNew, home.path("fresh.txt")});
@@ -188,13 +188,71 @@ TEST_F(tkLaunchTest, UnwritableSheetLogsAndOpensTheReadWindowWithoutDialog) {
     const std::string log = testing::internal::GetCapturedStderr();
 
     EXPECT_NE(log.find("Cannot read the time sheet file.\n"), std::string::npos) << log;
-    EXPECT_TRUE(frontEnd.eventsOf(Kind::ErrorDialog).empty());
+    const auto dialogs = frontEnd.eventsOf(Kind::ErrorDialog);
+    ASSERT_EQ(dialogs.size(), 1u);
+    EXPECT_TRUE(dialogs[0].modal);
+    EXPECT_EQ(dialogs[0].message, "Time sheet lacks write permissions " + sheetPath());
     const auto windows = frontEnd.eventsOf(Kind::ErrorWindow);
     ASSERT_EQ(windows.size(), 1u);
     EXPECT_EQ(windows[0].window, tkTSErrorWindow::Read);
     EXPECT_EQ(tkPreferences::instance().timeSheetFile(), home.path("fresh.txt"));
     EXPECT_EQ(home.readText("fresh.txt"), "");
     EXPECT_EQ(home.readText(sheetPath()), row("mine"));
+}
+
+// Whatever stands at the sheet's path, the user learns what and where, and
+// the application comes up with the file chosen instead.
+TEST_F(tkLaunchTest, UnusableSheetPathIsNamedWithTheReasonAndTheAppComesUp) {
+    struct Case {
+        const char* name;
+        int (*make)(const char* path);
+        const char* reason;
+    };
+    const Case cases[] = {
+        {"folder", [](const char* p) { return ::mkdir(p, 0700); }, "it is a folder, not a file"},
+        {"pipe", [](const char* p) { return ::mkfifo(p, 0600); },
+         "it is not a regular file (a device, pipe or socket)"},
+        {"device", [](const char* p) { return ::symlink("/dev/zero", p); },
+         "it is not a regular file (a device, pipe or socket)"},
+    };
+    for (const Case& c : cases) {
+        const std::string path = home.path(c.name);
+        ASSERT_EQ(c.make(path.c_str()), 0) << c.name;
+        home.writeText(preferencesPath(), "<tkPreferences><timeSheetFile>" + path +
+                                              "</timeSheetFile></tkPreferences>");
+        EXPECT_EQ(
+            inChild([&] {
+                frontEnd.scriptAnswer({tkTSErrorAnswer::Action::CreateNew, home.path("fresh.txt")});
+                testing::internal::CaptureStderr();
+                launch();
+                testing::internal::GetCapturedStderr();
+                const auto dialogs = frontEnd.eventsOf(Kind::ErrorDialog);
+                ASSERT_EQ(dialogs.size(), 1u);
+                EXPECT_EQ(dialogs[0].message, "Cannot read " + path + ": " + c.reason + ".");
+                EXPECT_EQ(frontEnd.eventsOf(Kind::ErrorWindow).size(), 1u);
+                EXPECT_EQ(frontEnd.eventsOf(Kind::LoadTimeSheet).size(), 1u);
+            }),
+            0)
+            << c.name;
+    }
+}
+
+TEST_F(tkLaunchTest, LaunchSweepsOnlyTheTemporariesOfKilledProcesses) {
+    const std::string dead = ".tkw." + std::to_string(endedProcessId());
+    const std::string live = ".tkw." + std::to_string(::getpid());
+    const std::string folder = home.supportFolder() + "/.";
+    const std::vector<std::string> swept = {folder + "Chronolet Timers.txt" + dead,
+                                            folder + "Chronolet Preferences.txt" + dead + ".2",
+                                            folder + "Test User's Time Sheet.txt" + dead};
+    for (const std::string& path : swept) {
+        home.writeText(path, "half a save");
+    }
+    home.writeText(folder + "Chronolet Timers.txt" + live, "a save in progress");
+    launch();
+    for (const std::string& path : swept) {
+        EXPECT_FALSE(home.exists(path)) << path;
+    }
+    EXPECT_TRUE(home.exists(folder + "Chronolet Timers.txt" + live));
 }
 
 // ---- a second copy of the program ----
@@ -223,21 +281,24 @@ TEST_F(tkLaunchTest, SecondCopyIsLockedOutAndTheFirstGoesOnUndisturbed) {
     char ok = 0;
     ASSERT_EQ(::read(ready[0], &ok, 1), 1);
     ASSERT_EQ(ok, '1');
+    const auto timersBefore = home.readText(timersPath());
+    const auto preferencesBefore = home.readText(preferencesPath());
 
-    testing::internal::CaptureStderr();
-    launch();  // the second copy; the headless front end answers Quit
-    const std::string log = testing::internal::GetCapturedStderr();
+    launch();  // the second copy
 
-    EXPECT_NE(log.find("file locked exception"), std::string::npos) << log;
+    // It says why and quits before it reads or writes anything: nothing of
+    // the first copy's is lost or written over.
     const auto& events = frontEnd.events();
-    ASSERT_GE(events.size(), 2u);
+    ASSERT_EQ(events.size(), 2u);
     EXPECT_EQ(events[0].kind, Kind::ErrorDialog);
     EXPECT_TRUE(events[0].modal);
     EXPECT_EQ(events[0].message,
-              "Cannot acquire file lock (perhaps the file is in use?) at " + sheetPath());
-    EXPECT_EQ(events[1].kind, Kind::ErrorWindow);
-    EXPECT_EQ(events[1].window, tkTSErrorWindow::Locked);
-    EXPECT_TRUE(frontEnd.quitRequested());
+              "Chronolet Plus is already running: another copy holds its files in " +
+                  home.supportFolder() + ".  This copy closes without changing them.");
+    EXPECT_EQ(events[1].kind, Kind::Quit);
+    EXPECT_EQ(tkTimeSheet::instance().rowCount(), 0u);
+    EXPECT_EQ(home.readText(timersPath()), timersBefore);
+    EXPECT_EQ(home.readText(preferencesPath()), preferencesBefore);
 
     const char go = 'g';
     ASSERT_EQ(::write(proceed[1], &go, 1), 1);
@@ -255,8 +316,10 @@ TEST_F(tkLaunchTest, LockedSheetStillBringsUpTheTimersAfterTheWindowEnds) {
     ASSERT_EQ(::pipe(ready), 0);
     const pid_t holder = ::fork();
     if (holder == 0) {
+        // Another user's copy that shares the sheet: it holds the sheet's
+        // lock, not this user's data folder.
         tkFileManagerPosix manager;
-        const char ok = manager.openLocked(sheetPath(), 0) >= 0 ? '1' : '0';
+        const char ok = manager.lockFile(timeSheetLockPath(sheetPath()), 0).fd >= 0 ? '1' : '0';
         (void)!::write(ready[1], &ok, 1);
         ::pause();
         ::_exit(0);
@@ -296,7 +359,8 @@ TEST_F(tkLaunchTest, BadChoiceInTheErrorWindowBringsTheUserBack) {
     ASSERT_EQ(windows.size(), 2u);
     EXPECT_EQ(windows[0].window, tkTSErrorWindow::Read);
     EXPECT_EQ(windows[1].window, tkTSErrorWindow::Read) << "code 3 is the read window again";
-    EXPECT_EQ(windows[1].fileName, "also bad.txt") << "the panel starts at the last choice";
+    EXPECT_EQ(windows[1].fileName, "Test User's Time Sheet.txt")
+        << "a failed choice leaves the preferences as they were";
     ASSERT_EQ(tkTimeSheet::instance().rowCount(), 1u);
     EXPECT_EQ(tkTimeSheet::instance().rows()[0]->description()->toString(), "from good");
     EXPECT_EQ(tkPreferences::instance().timeSheetFile(), home.path("good.txt"));

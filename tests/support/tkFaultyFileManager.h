@@ -10,6 +10,7 @@
 #include "foundation/IOException.h"
 #include "foundation/tkFile.h"
 #include "foundation/tkFileManager.h"
+#include "foundation/tkFileWriteException.h"
 #include "platform/tkFileManagerPosix.h"
 
 // Test helper: the real POSIX file manager with failures on demand, so that
@@ -23,14 +24,15 @@
 // Files made through makeFile carry the shared fault state, so a fault set
 // after the file object was made still applies to it.
 struct tkFileFaults {
-    // Writes change nothing, as on a full disk; safeSave fails before the swap.
+    // Writes change nothing, as on a full disk: replaceFile throws, safeSave
+    // fails before the swap.
     bool diskFull = false;
     // No new file or folder can be made.
     bool createFails = false;
     // safeSave writes its temporary file and then can't swap it in.
     bool swapFails = false;
-    // The next this many openLocked calls fail as if another process held
-    // the lock.
+    // The next this many openLocked or lockFile calls fail as if another
+    // process held the lock.
     int32_t lockFailures = 0;
     // Judge writability by the permission bits, as an ordinary user would,
     // even when the tests run as root (for whom access() allows everything).
@@ -38,7 +40,10 @@ struct tkFileFaults {
 
     // What happened, for tests that prove something was not touched.
     int32_t writes = 0;
+    // The files that replaceFile wrote, in order.
+    std::vector<std::string> replaced;
     int32_t creates = 0;
+    // Lock takes of either kind.
     int32_t openLockedCalls = 0;
 };
 
@@ -143,6 +148,47 @@ class tkFaultyFileManager : public tkFileManager {
     }
 
     int32_t closeLocked(int32_t fd) override { return _inner.closeLocked(fd); }
+
+    std::string readFile(const tkFile& file) override { return _inner.readFile(file); }
+
+    void replaceFile(const tkFile& file, const std::string& contents) override {
+        ++_faults->writes;
+        const bool exists = _inner.exists(file);
+        std::string problem;
+        if (_faults->diskFull) {
+            problem = "No space left on device";
+        } else if (_faults->createFails) {
+            problem = "its folder does not allow a new file beside it (Permission denied)";
+        } else if (exists && !isWritable(file)) {
+            problem = "Permission denied";
+        }
+        if (!problem.empty()) {
+            throw tkFileWriteException("Could not save " + file.path() + ": " + problem + ".");
+        }
+        if (!exists) {
+            ++_faults->creates;
+        }
+        _inner.replaceFile(file, contents);
+        _faults->replaced.push_back(file.path());
+    }
+
+    tkLockAttempt lockFile(const std::string& path, int32_t waitMillis) override {
+        ++_faults->openLockedCalls;
+        if (_faults->lockFailures > 0) {
+            --_faults->lockFailures;
+            tkLockAttempt refused;
+            refused.heldElsewhere = true;
+            return refused;
+        }
+        return _inner.lockFile(path, waitMillis);
+    }
+
+    bool makePrivate(const tkFile& file) override { return _inner.makePrivate(file); }
+
+    int32_t sweepTemporaries(const std::string& folder,
+                             const std::vector<std::string>& names) override {
+        return _inner.sweepTemporaries(folder, names);
+    }
 
   private:
     tkFileManagerPosix _inner;

@@ -7,9 +7,10 @@
 #include <string>
 
 #include "platform/tkFileManagerPosix.h"
+#include "shell/tkDataLocks.h"
 
-// Test helper: another process that holds the exclusive lock on a file, as
-// a second running copy of the program would, from construction (which
+// Test helper: another process that holds the lock of a time sheet, as
+// another user's copy of the program would, from construction (which
 // returns once the lock is held, or known not to be) until destruction.
 class tkLockHolder {
   public:
@@ -21,7 +22,7 @@ class tkLockHolder {
         _child = ::fork();
         if (_child == 0) {
             tkFileManagerPosix manager;
-            const char ok = manager.openLocked(path, 0) >= 0 ? '1' : '0';
+            const char ok = manager.lockFile(timeSheetLockPath(path), 0).fd >= 0 ? '1' : '0';
             (void)!::write(ready[1], &ok, 1);
             ::pause();
             ::_exit(0);

@@ -343,3 +343,20 @@ TEST(TimerArrayFile, SavedTextLoadsBackWithRunningTimersStillRunning) {
     EXPECT_FALSE(timers().isGlobalDetailMode());
     EXPECT_EQ(shownNumber(), 2u);
 }
+
+// A file of many timers is shown once behind its last timer, not once per
+// timer: per timer, a load of 50,000 never finished.
+TEST(TimerArrayFile, LoadShowsTheWindowOnceWhateverTheNumberOfTimers) {
+    std::string body;
+    for (int i = 0; i < 2000; ++i) {
+        body += timerElement("timer " + std::to_string(i), "t" + std::to_string(11999 - i));
+    }
+    load("<timerArray>" + body + "<frontMostTimerNumber>7</frontMostTimerNumber></timerArray>");
+    ASSERT_EQ(timers().numTimers(), 2000u);
+    EXPECT_LE(headlessUI()->drawerRefreshes(), 4u);
+    EXPECT_LE(headlessUI()->menuRebuilds(), 2u);
+    EXPECT_EQ(shownNumber(), 7u);
+    // The title order, built once at the end, is complete.
+    EXPECT_EQ(timers().sortedTimerNumber(0), 1999);
+    EXPECT_EQ(timers().sortedTimerNumber(1999), 0);
+}

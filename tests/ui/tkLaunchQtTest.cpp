@@ -16,6 +16,7 @@
 #include "ui/tkErrorDisplay.h"
 #include "ui/tkNibLoader.h"
 #include "ui/tkTSErrorWindowQt.h"
+#include "ui/tkVersionInfoDisplay.h"
 
 namespace {
 
@@ -201,7 +202,7 @@ TEST_F(tkLaunchQtTest, SecondStartShowsTheTimersAndOtherCommandsAreUnknown) {
         abouts += qobject_cast<tkAboutWindow*>(widget) != nullptr ? 1 : 0;
     }
     EXPECT_EQ(abouts, 1);
-    EXPECT_TRUE(tkAboutWindow::versionText().startsWith("version " TK_VERSION " - build "));
+    EXPECT_TRUE(tkVersionInfoDisplay::text().startsWith("version " TK_VERSION " - build "));
 }
 
 }  // namespace

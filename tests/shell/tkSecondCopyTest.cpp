@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "foundation/tkFileLockedException.h"
+#include "preferences/tkPreferences.h"
+#include "records/tkRecord.h"
+#include "shell/tkDataFiles.h"
+#include "tests/shell/tkShellTestSupport.h"
+#include "timesheet/tkTimeSheet.h"
+
+namespace {
+
+// One owner of the time sheet, always, shown with real processes: every save
+// replaces the sheet's file, and at no moment of it may another process get
+// the sheet.
+using tkSecondCopyTest = tkShellTest;
+
+std::shared_ptr<tkRecord> record(const std::string& description) {
+    return std::make_shared<tkRecord>("1/2/3", "00:01:00", "EMP", "JOB", "FEE", description);
+}
+
+TEST_F(tkSecondCopyTest, NoOtherProcessGetsTheSheetWhileItsOwnerSavesOverAndOver) {
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    const pid_t owner = ::fork();
+    ASSERT_GE(owner, 0);
+    if (owner == 0) {
+        launch();
+        (void)!::write(ready[1], "1", 1);
+        for (int i = 0;; ++i) {
+            tkTimeSheet::instance().addEntry(record("saved " + std::to_string(i)));
+        }
+    }
+    char launched = 0;
+    ASSERT_EQ(::read(ready[0], &launched, 1), 1);
+
+    // Another user's copy that shares the sheet: a data folder of its own,
+    // and thousands of tries to open the sheet while the owner saves.
+    const int verdict = inChild([&] {
+        (void)!std::freopen("/dev/null", "w", stdout);
+        ::setenv("XDG_DATA_HOME", home.path("other user").c_str(), 1);
+        installFaulty();
+        tkPreferences::instance().setTimeSheetFile(sheetPath(), false);
+        int admitted = 0;
+        for (int attempt = 0; attempt < 3000 && admitted == 0; ++attempt) {
+            try {
+                openTimeSheet();
+                ++admitted;
+            } catch (const tkFileLockedException&) {
+            }
+        }
+        EXPECT_EQ(admitted, 0);
+    });
+    ::kill(owner, SIGKILL);
+    ::waitpid(owner, nullptr, 0);
+    EXPECT_EQ(verdict, 0) << "a second process got the sheet while its owner saved";
+}
+
+TEST_F(tkSecondCopyTest, TwentyCopiesAddingAtOnceWithRetriesLoseNoRecord) {
+    constexpr int kCopies = 20;
+    std::vector<pid_t> adders;
+    for (int i = 0; i < kCopies; ++i) {
+        const pid_t adder = ::fork();
+        ASSERT_GE(adder, 0);
+        if (adder == 0) {
+            (void)!std::freopen("/dev/null", "w", stdout);
+            (void)!std::freopen("/dev/null", "w", stderr);
+            // A copy refused because another runs quits; it is started
+            // again until it gets in.
+            for (;;) {
+                const int status = inChild([&] {
+                    launch();
+                    if (frontEnd.quitRequested()) {
+                        ::_exit(2);
+                    }
+                    tkTimeSheet::instance().addEntry(record("copy " + std::to_string(i)));
+                    sequence->terminate();
+                });
+                if (status != 2) {
+                    ::_exit(status);
+                }
+            }
+        }
+        adders.push_back(adder);
+    }
+    for (const pid_t adder : adders) {
+        int status = 0;
+        ASSERT_EQ(::waitpid(adder, &status, 0), adder);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+    launch();
+    std::multiset<std::string> found;
+    for (const auto& added : tkTimeSheet::instance().rows()) {
+        found.insert(added->description()->toString());
+    }
+    for (int i = 0; i < kCopies; ++i) {
+        EXPECT_EQ(found.count("copy " + std::to_string(i)), 1u) << i;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,113 @@
+#include "shell/tkTimeSheetLocation.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "preferences/tkPreferences.h"
+#include "records/tkRecord.h"
+#include "shell/tkDataFiles.h"
+#include "shell/tkDataLocks.h"
+#include "tests/shell/tkShellTestSupport.h"
+#include "timesheet/tkTimeSheet.h"
+
+namespace {
+
+// The path display: P of at most 35 bytes stays; a longer one keeps its name
+// N (n bytes) behind an ellipsis.
+//
+//   n >= 35   "…" + first 34 bytes of N        (no "/")
+//   n == 34   "…/" + N                         (36 characters)
+//   n <  34   first 33-n bytes of P + "…/" + N
+TEST(tkTimeSheetLocation, ShortenedLocationKeepsTheNameWhenItCan) {
+    const std::string ellipsis = "\u2026";
+    const std::string name10 = "sheet1.txt";
+    const std::string name34(34, 'n');
+    const std::string name50 = std::string(40, 'm') + "0123456789";
+    struct Case {
+        std::string path;
+        std::string shown;
+    };
+    const Case cases[] = {
+        {"/" + std::string(23, 'a') + "/" + name10, "/" + std::string(23, 'a') + "/" + name10},
+        {"/" + std::string(24, 'a') + "/" + name10,
+         "/" + std::string(22, 'a') + ellipsis + "/" + name10},
+        {"/" + std::string(28, 'a') + "/" + name10,
+         "/" + std::string(22, 'a') + ellipsis + "/" + name10},
+        {"/home/" + name34, ellipsis + "/" + name34},
+        {"/x/" + name50, ellipsis + name50.substr(0, 34)},
+        {"", ""},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(shortenedLocation(c.path), c.shown) << c.path;
+    }
+}
+
+class tkTimeSheetLocationTest : public tkShellTest {
+  protected:
+    void SetUp() override {
+        tkShellTest::SetUp();
+        home.writeText(sheetPath(), row("a") + row("b"));
+        launchFaulty();
+    }
+    // True when nobody holds the lock on the file.
+    static bool unlocked(const std::string& path) {
+        tkFileManagerPosix probe;
+        const int32_t fd = probe.lockFile(timeSheetLockPath(path), 0).fd;
+        if (fd >= 0) {
+            probe.closeLocked(fd);
+        }
+        return fd >= 0;
+    }
+    static std::string location() { return tkPreferences::instance().timeSheetFile(); }
+};
+
+TEST_F(tkTimeSheetLocationTest, MoveWritesEveryRowToTheNewPlaceBeforeTheOldFileGoes) {
+    const std::string target = home.path("elsewhere/new sheet.txt");
+    EXPECT_EQ(moveTimeSheet(target), 0);
+    EXPECT_EQ(home.readText(target), row("a") + row("b"));
+    EXPECT_FALSE(home.exists(sheetPath()));
+    EXPECT_EQ(location(), target);
+    EXPECT_FALSE(unlocked(target)) << "the new file is this copy's now";
+    EXPECT_NE(home.readText(preferencesPath())->find(target), std::string::npos);
+
+    tkTimeSheet::instance().addEntry(
+        std::make_shared<tkRecord>("1/2/3", "01:00:00", "EMP", "JOB", "FEE", "c"));
+    EXPECT_EQ(home.readText(target), row("a") + row("b") + row("c"));
+    EXPECT_EQ(moveTimeSheet(target), 0) << "the present place: nothing to do";
+}
+
+TEST_F(tkTimeSheetLocationTest, AFailedMoveLeavesTheOldSheetNamedLockedAndWhole) {
+    home.writeText("taken.txt", "theirs\n");
+    ::chmod(home.path("taken.txt").c_str(), 0444);
+    EXPECT_EQ(moveTimeSheet(home.path("taken.txt")), kTimeSheetTargetTaken);
+    EXPECT_EQ(home.readText("taken.txt"), "theirs\n");
+
+    faulty->faults().createFails = true;
+    EXPECT_EQ(moveTimeSheet(home.path("new/sheet.txt")), 1);
+    EXPECT_FALSE(home.exists("new/sheet.txt"));
+
+    EXPECT_EQ(location(), sheetPath());
+    EXPECT_EQ(home.readText(sheetPath()), row("a") + row("b"));
+    EXPECT_FALSE(unlocked(sheetPath()));
+}
+
+TEST_F(tkTimeSheetLocationTest, RestoreDefaultLocationMovesBackAndResetsTheRest) {
+    const std::string other = home.path("other.txt");
+    ASSERT_EQ(moveTimeSheet(other), 0);
+    tkPreferences::instance().setSingleWindowMode(false);
+
+    home.writeText(sheetPath(), "left behind\n");
+    EXPECT_EQ(restoreDefaultLocation(), kTimeSheetTargetTaken);
+    EXPECT_FALSE(tkPreferences::instance().isSingleWindowMode()) << "a failed move resets nothing";
+    EXPECT_EQ(location(), other);
+
+    ::unlink(sheetPath().c_str());
+    EXPECT_EQ(restoreDefaultLocation(), 0);
+    EXPECT_EQ(location(), sheetPath());
+    EXPECT_EQ(home.readText(sheetPath()), row("a") + row("b"));
+    EXPECT_FALSE(home.exists(other));
+    EXPECT_TRUE(tkPreferences::instance().isSingleWindowMode());
+    EXPECT_EQ(restoreDefaultLocation(), 0) << "already there: only the reset";
+}
+
+}  // namespace
