@@ -1,0 +1,30 @@
+#pragma once
+
+class QMenu;
+class tkAboutWindow;
+
+namespace Ui {
+class TimerMenu;
+}
+
+// Builds the windows that come from interface descriptions on first use,
+// and keeps the objects that registered themselves when built. A first load
+// that fails is not tried again.
+class tkNibLoader {
+  public:
+    // The About window registers itself here when it is built.
+    static void setAboutWindow(tkAboutWindow* window);
+    // Shows the About window, building it ("about") the first time.
+    static void showAboutWindow();
+
+    // Builds the "Timer menu" description into a new menu, filling `form`
+    // with its fixed items; each call builds a new one.
+    static QMenu* loadTimerMenu(Ui::TimerMenu& form);
+
+    // Builds the time sheet window once. Without one in this build it logs
+    // "loadTimeSheet: could not open timesheet nib." and the application goes
+    // on without it.
+    static void loadTimeSheet();
+    // Whether a time sheet window exists.
+    static bool hasTimeSheetWindow();
+};
