@@ -44,9 +44,8 @@ run:
 screenshots:
 	$(call ensure,$(BASE_PKGS))
 	cmake -S . -B build -DCMAKE_BUILD_TYPE=Debug $(CMAKE_FLAGS)
-	cmake --build build -j$(JOBS) --target tk_screenshots tk_support_screenshots
+	cmake --build build -j$(JOBS) --target tk_screenshots
 	xvfb-run -a -s "-screen 0 1280x800x24" ./build/tk_screenshots docs/screenshots
-	xvfb-run -a -s "-screen 0 1280x800x24" ./build/tk_support_screenshots docs/screenshots
 
 test:
 	$(call ensure,$(BASE_PKGS))

@@ -34,7 +34,9 @@ if(TK_APP_SOURCES)
 endif()
 
 # Renders every window to PNG under a display (make screenshots).
-add_executable(tk_screenshots "${PROJECT_SOURCE_DIR}/tools/screenshots/tkScreenshots.cpp")
+add_executable(tk_screenshots
+  "${PROJECT_SOURCE_DIR}/tools/screenshots/tkScreenshots.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/screenshots/tkSupportScreenshots.cpp")
 target_link_libraries(tk_screenshots PRIVATE tk_ui)
 
 # The application's own version file, which the update check compares with
@@ -58,9 +60,3 @@ configure_file(resources/cltmac.xml.in "${CMAKE_BINARY_DIR}/generated/cltmac.xml
 configure_file(resources/tkversion.qrc.in "${CMAKE_BINARY_DIR}/generated/tkversion.qrc" COPYONLY)
 target_sources(tk_ui PRIVATE "${CMAKE_BINARY_DIR}/generated/tkversion.qrc")
 target_compile_definitions(tk_ui PRIVATE TK_UPDATE_SERVER="${TK_UPDATE_SERVER}")
-
-# Screenshots of the preferences, billing code and update windows.
-add_executable(tk_support_screenshots
-  "${PROJECT_SOURCE_DIR}/tools/screenshots/tkSupportScreenshots.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/screenshots/tkSupportScreenshotsMain.cpp")
-target_link_libraries(tk_support_screenshots PRIVATE tk_ui)

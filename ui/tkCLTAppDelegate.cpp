@@ -25,6 +25,7 @@
 #include "ui/tkRefreshTickerQt.h"
 #include "ui/tkTSErrorWindowQt.h"
 #include "ui/tkTimerWindowQtC.h"
+#include "ui/tkUpdateCheck.h"
 
 namespace {
 
@@ -84,7 +85,16 @@ void tkCLTAppDelegate::buildMenus() {
     quit->setMenuRole(QAction::QuitRole);
     connect(quit, &QAction::triggered, this, &tkCLTAppDelegate::terminate);
 
+    QMenu* edit = menus.menu(tkMainMenu::Menu::Edit);
+    QAction* preferences = edit->addAction(QStringLiteral("Preferences…"));
+    preferences->setShortcut(QKeySequence::Preferences);
+    preferences->setMenuRole(QAction::PreferencesRole);
+    connect(preferences, &QAction::triggered, this, &tkCLTAppDelegate::displayPreferences);
+
     QMenu* window = menus.menu(tkMainMenu::Menu::Window);
+    QAction* billCodes = window->addAction(QStringLiteral("Billing Codes…"));
+    billCodes->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_B));
+    connect(billCodes, &QAction::triggered, this, &tkCLTAppDelegate::displayBillCodes);
     QAction* minimize = window->addAction(QStringLiteral("Minimize"));
     minimize->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_M));
     connect(minimize, &QAction::triggered, this, [] {
@@ -97,6 +107,9 @@ void tkCLTAppDelegate::buildMenus() {
     QAction* about = help->addAction(QStringLiteral("About Chronolet Plus"));
     about->setMenuRole(QAction::AboutRole);
     connect(about, &QAction::triggered, this, &tkCLTAppDelegate::displayAboutWindow);
+    QAction* updates = help->addAction(QStringLiteral("Check for Updates…"));
+    updates->setMenuRole(QAction::ApplicationSpecificRole);
+    connect(updates, &QAction::triggered, this, &tkCLTAppDelegate::checkForUpdates);
 }
 
 void tkCLTAppDelegate::applicationDidFinishLaunching() {
@@ -169,6 +182,8 @@ tkCommandReply tkCLTAppDelegate::handleCommand(const std::vector<std::string>& w
 }
 
 void tkCLTAppDelegate::closeAllWindows() {
+    // The windows built on demand belong to objects that delete them.
+    tkNibLoader::releaseWindows();
     QList<QPointer<QWidget>> windows;
     // Only windows without a parent: the others (a combo box's popup, a
     // sheet) go with their parents, which still point at them.
@@ -222,6 +237,21 @@ void tkCLTAppDelegate::quitApplication() {
 
 void tkCLTAppDelegate::displayAboutWindow() {
     tkNibLoader::showAboutWindow();
+}
+
+void tkCLTAppDelegate::displayBillCodes() {
+    tkNibLoader::showBillCodeUI();
+}
+
+void tkCLTAppDelegate::displayPreferences() {
+    tkNibLoader::showPreferencesUI();
+}
+
+void tkCLTAppDelegate::checkForUpdates() {
+    // Nothing is kept between checks; the results window is modal, so the
+    // check lives exactly as long as the user looks at it.
+    tkUpdateCheck check;
+    check.checkForUpdates();
 }
 
 void tkCLTAppDelegate::terminate() {

@@ -60,6 +60,10 @@ class tkCLTAppDelegate : public QObject, public ItkAppFrontEnd {
 
   public Q_SLOTS:
     void displayAboutWindow();
+    void displayBillCodes();
+    void displayPreferences();
+    // Asks the update feed and shows what it found, modally.
+    void checkForUpdates();
     // Ends a modal window first, then quits.
     void terminate();
 

@@ -6,12 +6,20 @@
 
 #include "tkTimerMenuForm.h"
 #include "ui/tkAboutWindow.h"
+#include "ui/tkBillCodeWindow.h"
+#include "ui/tkErrorDisplay.h"
+#include "ui/tkPreferencesUIQt.h"
 
 namespace {
 
 struct LoaderState {
     bool aboutTried = false;
     bool timeSheetTried = false;
+    bool preferencesTried = false;
+    bool billCodesTried = false;
+    bool released = false;
+    std::unique_ptr<tkPreferencesUIQt> preferences;
+    std::unique_ptr<tkBillCodeWindow> billCodes;
 };
 
 LoaderState& state() {
@@ -22,6 +30,16 @@ LoaderState& state() {
 QPointer<tkAboutWindow>& registeredAbout() {
     static QPointer<tkAboutWindow> window;
     return window;
+}
+
+// The windows' own failures go to the application's one error window, as a
+// sheet-less message that doesn't hold the user up.
+void showErrorsInErrorDisplay(tkWindowErrors& errors) {
+    errors.setShower([](const QString& title, const QString& message) {
+        if (tkErrorDisplay* display = tkErrorDisplay::errorDisplay()) {
+            display->showErrorDialogWithTitle(title, message, false);
+        }
+    });
 }
 
 }  // namespace
@@ -42,6 +60,47 @@ void tkNibLoader::showAboutWindow() {
     if (!registeredAbout().isNull()) {
         registeredAbout()->show();
     }
+}
+
+void tkNibLoader::showPreferencesUI() {
+    LoaderState& loader = state();
+    if (!loader.preferences) {
+        if (loader.preferencesTried || loader.released) {
+            return;
+        }
+        loader.preferencesTried = true;
+        loader.preferences = std::make_unique<tkPreferencesUIQt>();
+        showErrorsInErrorDisplay(loader.preferences->errors());
+    }
+    loader.preferences->show();
+}
+
+void tkNibLoader::showBillCodeUI() {
+    LoaderState& loader = state();
+    if (!loader.billCodes) {
+        if (loader.billCodesTried || loader.released) {
+            return;
+        }
+        loader.billCodesTried = true;
+        loader.billCodes = std::make_unique<tkBillCodeWindow>();
+        showErrorsInErrorDisplay(loader.billCodes->errors());
+    }
+    loader.billCodes->refresh();
+    loader.billCodes->show();
+}
+
+tkPreferencesUIQt* tkNibLoader::preferencesUI() {
+    return state().preferences.get();
+}
+
+tkBillCodeWindow* tkNibLoader::billCodeUI() {
+    return state().billCodes.get();
+}
+
+void tkNibLoader::releaseWindows() {
+    state().released = true;
+    state().preferences.reset();
+    state().billCodes.reset();
 }
 
 QMenu* tkNibLoader::loadTimerMenu(Ui::TimerMenu& form) {

@@ -2,6 +2,8 @@
 
 class QMenu;
 class tkAboutWindow;
+class tkBillCodeWindow;
+class tkPreferencesUIQt;
 
 namespace Ui {
 class TimerMenu;
@@ -16,6 +18,21 @@ class tkNibLoader {
     static void setAboutWindow(tkAboutWindow* window);
     // Shows the About window, building it ("about") the first time.
     static void showAboutWindow();
+
+    // Shows the preferences window, building it ("preferences") the first
+    // time. Deliberately not refreshed on later calls: it shows what it
+    // showed, as it follows its own edits.
+    static void showPreferencesUI();
+    // Shows the billing code window, building it ("billcodes") the first
+    // time, and refreshes it at every call: timers and the time sheet add
+    // codes behind its back.
+    static void showBillCodeUI();
+    static tkPreferencesUIQt* preferencesUI();
+    static tkBillCodeWindow* billCodeUI();
+
+    // Deletes the windows built here, while Qt still runs; afterwards the
+    // show operations do nothing.
+    static void releaseWindows();
 
     // Builds the "Timer menu" description into a new menu, filling `form`
     // with its fixed items; each call builds a new one.

@@ -30,6 +30,7 @@
 #include "timers/tkTimerControl.h"
 #include "timers/tkTimerController.h"
 #include "timers/tkTimerWindow.h"
+#include "tools/screenshots/tkSupportScreenshots.h"
 #include "ui/tkAboutWindow.h"
 #include "ui/tkCLTAppDelegate.h"
 #include "ui/tkDrawerPanel.h"
@@ -167,8 +168,16 @@ int main(int argc, char** argv) {
         delegate.applicationDidFinishLaunching();
         makeSampleTimers();
         const std::vector<std::function<bool(const QString&)>> shots = {
-            timerWindowClosed, timerWindowDetails, timerWindowWithList,
-            timerMenu,         aboutWindow,        errorWindow,
+            timerWindowClosed,
+            timerWindowDetails,
+            timerWindowWithList,
+            timerMenu,
+            aboutWindow,
+            errorWindow,
+            screenshotPreferences,
+            screenshotBillCodes,
+            screenshotAddCodesSheet,
+            screenshotUpdateCheck,
         };
         for (const auto& shot : shots) {
             ok = shot(folder) && ok;
