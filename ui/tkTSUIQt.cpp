@@ -175,7 +175,9 @@ void tkTSUIQt::connectControls() {
                 [this, which = each.which] { commitIfTyped(which); });
         connect(each.box, &QComboBox::textActivated, this,
                 [this, which = each.which] { commitIfTyped(which); });
+        // Keys reach the line edit through the box or, from a test, directly.
         each.box->installEventFilter(this);
+        each.box->lineEdit()->installEventFilter(this);
     }
 }
 
@@ -648,11 +650,23 @@ bool tkTSUIQt::eventFilter(QObject* watched, QEvent* event) {
     return QWidget::eventFilter(watched, event);
 }
 
+bool tkTSUIQt::isEditingCell() const {
+    // A cell's editor is a child of the viewport while it is open.
+    const QList<QWidget*> editors =
+        _form->tableView->viewport()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+    return std::any_of(editors.begin(), editors.end(),
+                       [](const QWidget* editor) { return editor->isVisible(); });
+}
+
 bool tkTSUIQt::keyDown(QObject* watched, const QKeyEvent& key) {
+    // A key that a cell's editor passed on to the table is the editor's: Return there
+    // ends the edit, and the editor commits on its own.
+    if (watched == _form->tableView && isEditingCell()) {
+        return false;
+    }
     if (isReturnOrEnter(key)) {
         return _form->addEntryButton->performKeyEquivalent(key);
     }
-    // Keys typed into a cell's editor go to the editor; only the table's own reach here.
     if (watched == _form->tableView &&
         (key.key() == Qt::Key_Backspace || key.key() == Qt::Key_Delete)) {
         deleteEntry();

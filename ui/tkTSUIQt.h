@@ -144,6 +144,7 @@ class tkTSUIQt : public QWidget, public tkEditCommandTarget {
     // setDefaultField with the text of a field, which then holds nothing untaken.
     void fieldEdited(Field field, const std::string& key, const std::string& text);
     bool keyDown(QObject* watched, const QKeyEvent& key);
+    bool isEditingCell() const;
 
     tkTimeSheet& _sheet;
     std::unique_ptr<Ui::timesheet> _form;
