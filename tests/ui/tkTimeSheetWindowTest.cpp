@@ -1,13 +1,18 @@
 #include <QAbstractItemModelTester>
 #include <QAction>
 #include <QClipboard>
+#include <QFileDialog>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
+#include <QPrintDialog>
+#include <QProcess>
 #include <QPushButton>
 #include <QTableView>
+#include <QTemporaryDir>
+#include <QTimer>
 #include <algorithm>
 
 #include "records/tkDateFormatter.h"
@@ -21,8 +26,10 @@
 #include "ui/tkDateFormatterQt.h"
 #include "ui/tkEditMenu.h"
 #include "ui/tkErrorDisplay.h"
+#include "ui/tkMainMenu.h"
 #include "ui/tkTSUIQt.h"
 #include "ui/tkTimeSheetDataSource.h"
+#include "ui/tkTimeSheetReport.h"
 
 namespace {
 
@@ -312,6 +319,57 @@ TEST_F(tkTimeSheetWindowTest, CodeFieldsCompleteAndANewCodeJoinsWhenTaken) {
     const std::vector<std::string> after = tkKnownRecordItems::instance().employees();
     EXPECT_EQ(after.size(), before.size() + 1);
     EXPECT_EQ(std::count(after.begin(), after.end(), "QZ9"), 1);
+}
+
+// The File menu's report commands reach the delegate's one report, whose dialogs open over
+// the time sheet window: Print Selection prints the selected rows, Export Report as PDF
+// writes every row to the file chosen in the panel.
+TEST_F(tkTimeSheetWindowTest, FileMenuPrintsAndExportsTheReport) {
+    launchWith(kFourRows);
+    QMenu* file = tkMainMenu::instance().menu(tkMainMenu::Menu::File);
+    const auto item = [file](const char* title) {
+        for (QAction* action : file->actions()) {
+            if (action->text() == QString::fromUtf8(title)) {
+                return action;
+            }
+        }
+        ADD_FAILURE() << title;
+        return new QAction(file);
+    };
+    const auto pdfText = [](const QString& path) {
+        QProcess pdftotext;
+        pdftotext.start(QStringLiteral("pdftotext"), {path, QStringLiteral("-")});
+        pdftotext.waitForFinished(kPatienceMillis);
+        return pdftotext.readAllStandardOutput().toStdString();
+    };
+    // Answers the dialog that the next command runs modally.
+    const auto answer = [](std::function<void(QDialog&)> prepare) {
+        QTimer::singleShot(0, [prepare] {
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            EXPECT_EQ(dialog->parentWidget(), ui());
+            prepare(*dialog);
+            dialog->accept();
+        });
+    };
+    QTemporaryDir folder;
+    selectRows({2});
+    const QString selection = folder.filePath(QStringLiteral("selection.pdf"));
+    delegate->report().printer().setOutputFileName(selection);
+    answer([](QDialog& dialog) { EXPECT_NE(qobject_cast<QPrintDialog*>(&dialog), nullptr); });
+    item("Print Selection…")->trigger();
+    const std::string printed = pdfText(selection);
+    EXPECT_NE(printed.find("charlie"), std::string::npos) << printed;
+    EXPECT_EQ(printed.find("alpha"), std::string::npos) << printed;
+
+    const QString exported = folder.filePath(QStringLiteral("export.pdf"));
+    answer(
+        [&exported](QDialog& dialog) { static_cast<QFileDialog&>(dialog).selectFile(exported); });
+    item("Export Report as PDF…")->trigger();
+    const std::string all = pdfText(exported);
+    for (const char* description : {"Time Sheet Report", "alpha", "bravo", "charlie", "delta"}) {
+        EXPECT_NE(all.find(description), std::string::npos) << description;
+    }
 }
 
 }  // namespace
