@@ -17,13 +17,17 @@
 #include "timers/tkRefreshTicker.h"
 #include "timers/tkTimerArray.h"
 #include "timers/tkTimerWindowFactory.h"
+#include "timesheet/tkTimeSheet.h"
 #include "ui/tkCommandServerQt.h"
 #include "ui/tkDateFormatterQt.h"
+#include "ui/tkEditMenu.h"
 #include "ui/tkErrorDisplay.h"
 #include "ui/tkMainMenu.h"
 #include "ui/tkNibLoader.h"
 #include "ui/tkRefreshTickerQt.h"
 #include "ui/tkTSErrorWindowQt.h"
+#include "ui/tkTSUIQt.h"
+#include "ui/tkTimeSheetReport.h"
 #include "ui/tkTimerWindowQtC.h"
 #include "ui/tkUpdateCheck.h"
 
@@ -39,7 +43,9 @@ tkLaunchSequence::FileManagerFactory orPosix(tkLaunchSequence::FileManagerFactor
 }  // namespace
 
 tkCLTAppDelegate::tkCLTAppDelegate(tkLaunchSequence::FileManagerFactory makeFileManager)
-    : sequence_(*this, orPosix(std::move(makeFileManager))), errorDisplay_(new tkErrorDisplay()) {
+    : sequence_(*this, orPosix(std::move(makeFileManager))),
+      errorDisplay_(new tkErrorDisplay()),
+      report_(std::make_unique<tkTimeSheetReport>(tkTimeSheet::instance())) {
     connect(qApp, &QCoreApplication::aboutToQuit, this,
             &tkCLTAppDelegate::applicationWillTerminate);
 }
@@ -80,12 +86,23 @@ void tkCLTAppDelegate::buildMenus() {
         }
     });
     file->addSeparator();
+    QAction* print = file->addAction(QStringLiteral("Print…"));
+    print->setShortcut(QKeySequence::Print);
+    connect(print, &QAction::triggered, this, &tkCLTAppDelegate::print);
+    QAction* printSelection = file->addAction(QStringLiteral("Print Selection…"));
+    printSelection->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P));
+    connect(printSelection, &QAction::triggered, this, &tkCLTAppDelegate::printSelection);
+    QAction* exportPdf = file->addAction(QStringLiteral("Export Report as PDF…"));
+    connect(exportPdf, &QAction::triggered, report_.get(), &tkTimeSheetReport::exportReportAsPdf);
+    file->addSeparator();
     QAction* quit = file->addAction(QStringLiteral("Quit Chronolet Plus"));
     quit->setShortcut(QKeySequence::Quit);
     quit->setMenuRole(QAction::QuitRole);
     connect(quit, &QAction::triggered, this, &tkCLTAppDelegate::terminate);
 
     QMenu* edit = menus.menu(tkMainMenu::Menu::Edit);
+    tkEditMenu::instance().addItems(edit);
+    edit->addSeparator();
     QAction* preferences = edit->addAction(QStringLiteral("Preferences…"));
     preferences->setShortcut(QKeySequence::Preferences);
     preferences->setMenuRole(QAction::PreferencesRole);
@@ -216,14 +233,23 @@ tkTSErrorAnswer tkCLTAppDelegate::runTimeSheetErrorWindow(tkTSErrorWindow which,
 
 void tkCLTAppDelegate::loadTimeSheet() {
     tkNibLoader::loadTimeSheet();
+    if (tkTSUIQt* ui = timeSheetUI()) {
+        report_->setDialogParent(ui);
+        ui->setReport(report_.get());
+    }
+}
+
+tkTSUIQt* tkCLTAppDelegate::timeSheetUI() {
+    return tkNibLoader::timeSheetUI();
 }
 
 void tkCLTAppDelegate::showTimeSheetWindow() {
-    if (tkNibLoader::hasTimeSheetWindow()) {
+    if (tkTSUIQt* ui = timeSheetUI()) {
+        ui->show();
         return;
     }
-    // Until this build has a time sheet window, the timers come up instead,
-    // so that starting the program always shows something.
+    // Without a time sheet window the timers come up instead, so that
+    // starting the program always shows something.
     tkTimerArray& timers = tkTimerArray::instance();
     timers.setTimerOpen(true);
     timers.showFront(true);
@@ -245,6 +271,18 @@ void tkCLTAppDelegate::displayBillCodes() {
 
 void tkCLTAppDelegate::displayPreferences() {
     tkNibLoader::showPreferencesUI();
+}
+
+void tkCLTAppDelegate::print() {
+    if (tkTSUIQt* ui = timeSheetUI()) {
+        ui->print(false);
+    }
+}
+
+void tkCLTAppDelegate::printSelection() {
+    if (tkTSUIQt* ui = timeSheetUI()) {
+        ui->print(true);
+    }
 }
 
 void tkCLTAppDelegate::checkForUpdates() {

@@ -13,6 +13,8 @@
 
 class tkCommandServerQt;
 class tkErrorDisplay;
+class tkTSUIQt;
+class tkTimeSheetReport;
 
 // The application's side of the launch and shutdown: it installs the Qt
 // forms of the core's seams (timer windows, the refresh ticker, the date
@@ -58,10 +60,18 @@ class tkCLTAppDelegate : public QObject, public ItkAppFrontEnd {
     void showTimeSheetWindow() override;
     void quitApplication() override;
 
+    // The time sheet window, once loadTimeSheet built it; else null.
+    static tkTSUIQt* timeSheetUI();
+    // The printed report of the time sheet, behind the File menu's commands.
+    tkTimeSheetReport& report() const { return *report_; }
+
   public Q_SLOTS:
     void displayAboutWindow();
     void displayBillCodes();
     void displayPreferences();
+    // The time sheet window prints all rows, or the selected ones.
+    void print();
+    void printSelection();
     // Asks the update feed and shows what it found, modally.
     void checkForUpdates();
     // Ends a modal window first, then quits.
@@ -75,4 +85,5 @@ class tkCLTAppDelegate : public QObject, public ItkAppFrontEnd {
     tkLaunchSequence sequence_;
     QPointer<tkErrorDisplay> errorDisplay_;
     tkCommandServerQt* commandServer_ = nullptr;
+    std::unique_ptr<tkTimeSheetReport> report_;
 };

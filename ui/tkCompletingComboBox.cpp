@@ -1,5 +1,6 @@
 #include "ui/tkCompletingComboBox.h"
 
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <algorithm>
 
@@ -12,10 +13,9 @@ tkCompletingComboBox::tkCompletingComboBox(QWidget* parent) : QComboBox(parent) 
     // follows the code list's order instead (userTyped).
     setCompleter(nullptr);
     connect(lineEdit(), &QLineEdit::textEdited, this, &tkCompletingComboBox::userTyped);
-    connect(this, &QComboBox::textActivated, this, [this](const QString& text) {
-        lastText_ = text;
-        Q_EMIT textEditedByUser();
-    });
+    // Keys reach the line edit through the box or, from a test, directly.
+    lineEdit()->installEventFilter(this);
+    connect(this, &QComboBox::textActivated, this, [this] { Q_EMIT textEditedByUser(); });
 }
 
 void tkCompletingComboBox::setDataSource(tkKRIComboBoxDataSource* source) {
@@ -39,7 +39,6 @@ void tkCompletingComboBox::setText(const QString& text) {
     if (edit->hasFocus()) {
         edit->setCursorPosition(std::min(cursor, static_cast<int>(text.size())));
     }
-    lastText_ = text;
 }
 
 void tkCompletingComboBox::showPopup() {
@@ -52,15 +51,29 @@ void tkCompletingComboBox::showPopup() {
     QComboBox::showPopup();
 }
 
+void tkCompletingComboBox::keyPressEvent(QKeyEvent* event) {
+    noteKey(*event);
+    QComboBox::keyPressEvent(event);
+}
+
+bool tkCompletingComboBox::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == lineEdit() && event->type() == QEvent::KeyPress) {
+        noteKey(*static_cast<QKeyEvent*>(event));
+    }
+    return QComboBox::eventFilter(watched, event);
+}
+
+void tkCompletingComboBox::noteKey(const QKeyEvent& event) {
+    deleting_ = event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Delete ||
+                event.matches(QKeySequence::Cut);
+}
+
 void tkCompletingComboBox::userTyped(const QString& text) {
     QLineEdit* edit = lineEdit();
-    // Only typing that adds at the end completes: a deletion must be able to
-    // take the completed part away. The text remembered is the typed part,
-    // without the completion, so that typing over the selected completion
-    // still counts as adding.
-    const bool grewAtEnd = text.size() > lastText_.size() && edit->cursorPosition() == text.size();
-    lastText_ = text;
-    if (grewAtEnd && source_ != nullptr) {
+    // Only an addition at the end completes, typed over a selection or not; a deletion
+    // must be able to take the completed part away.
+    const bool atEnd = edit->cursorPosition() == text.size();
+    if (!deleting_ && atEnd && !text.isEmpty() && source_ != nullptr) {
         const QString completed = source_->completedString(text);
         if (completed != text) {
             edit->setText(completed);
@@ -70,5 +83,6 @@ void tkCompletingComboBox::userTyped(const QString& text) {
             }
         }
     }
+    deleting_ = false;
     Q_EMIT textEditedByUser();
 }

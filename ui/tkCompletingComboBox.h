@@ -7,8 +7,9 @@ class tkKRIComboBoxDataSource;
 
 // An editable combo box over the known billing codes of one kind. Typing at
 // the end of the text completes it to the next known code, with the
-// completed part selected so that the next key replaces it. Typed text never
-// picks a row of the list; only a choice from the list does.
+// completed part selected so that the next key replaces it; a key that
+// deletes never completes, so that it can take the completed part away.
+// Typed text never picks a row of the list; only a choice from the list does.
 class tkCompletingComboBox : public QComboBox {
     Q_OBJECT
 
@@ -31,9 +32,15 @@ class tkCompletingComboBox : public QComboBox {
     // The user changed the text: typed (after completion) or chose from the list.
     void textEditedByUser();
 
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
     void userTyped(const QString& text);
+    void noteKey(const QKeyEvent& event);
 
     tkKRIComboBoxDataSource* source_ = nullptr;
-    QString lastText_;
+    // Whether the last key pressed takes text away rather than adds it.
+    bool deleting_ = false;
 };

@@ -9,6 +9,7 @@
 #include "ui/tkBillCodeWindow.h"
 #include "ui/tkErrorDisplay.h"
 #include "ui/tkPreferencesUIQt.h"
+#include "ui/tkTSUIQt.h"
 
 namespace {
 
@@ -20,6 +21,7 @@ struct LoaderState {
     bool released = false;
     std::unique_ptr<tkPreferencesUIQt> preferences;
     std::unique_ptr<tkBillCodeWindow> billCodes;
+    std::unique_ptr<tkTSUIQt> timeSheet;
 };
 
 LoaderState& state() {
@@ -101,6 +103,7 @@ void tkNibLoader::releaseWindows() {
     state().released = true;
     state().preferences.reset();
     state().billCodes.reset();
+    state().timeSheet.reset();
 }
 
 QMenu* tkNibLoader::loadTimerMenu(Ui::TimerMenu& form) {
@@ -114,9 +117,17 @@ void tkNibLoader::loadTimeSheet() {
         return;
     }
     state().timeSheetTried = true;
-    std::cerr << "loadTimeSheet: could not open timesheet nib." << std::endl;
+    if (state().released) {
+        std::cerr << "loadTimeSheet: could not open timesheet nib." << std::endl;
+        return;
+    }
+    state().timeSheet = std::make_unique<tkTSUIQt>();
 }
 
 bool tkNibLoader::hasTimeSheetWindow() {
-    return false;
+    return state().timeSheet != nullptr;
+}
+
+tkTSUIQt* tkNibLoader::timeSheetUI() {
+    return state().timeSheet.get();
 }

@@ -4,6 +4,7 @@ class QMenu;
 class tkAboutWindow;
 class tkBillCodeWindow;
 class tkPreferencesUIQt;
+class tkTSUIQt;
 
 namespace Ui {
 class TimerMenu;
@@ -38,10 +39,11 @@ class tkNibLoader {
     // with its fixed items; each call builds a new one.
     static QMenu* loadTimerMenu(Ui::TimerMenu& form);
 
-    // Builds the time sheet window once. Without one in this build it logs
-    // "loadTimeSheet: could not open timesheet nib." and the application goes
-    // on without it.
+    // Builds the time sheet window ("timesheet") once; it shows itself when
+    // the preferences say it was open.
     static void loadTimeSheet();
     // Whether a time sheet window exists.
     static bool hasTimeSheetWindow();
+    // The time sheet window, or null.
+    static tkTSUIQt* timeSheetUI();
 };

@@ -16,6 +16,7 @@
 #include "ui/tkErrorDisplay.h"
 #include "ui/tkNibLoader.h"
 #include "ui/tkTSErrorWindowQt.h"
+#include "ui/tkTSUIQt.h"
 #include "ui/tkVersionInfoDisplay.h"
 
 namespace {
@@ -183,14 +184,16 @@ TEST_F(tkLaunchQtTest, ErrorBecomesASheetOnAModalWindow) {
     EXPECT_EQ(display->messageText(), "not modal");
 }
 
-TEST_F(tkLaunchQtTest, SecondStartShowsTheTimersAndOtherCommandsAreUnknown) {
+TEST_F(tkLaunchQtTest, SecondStartShowsTheTimeSheetAndOtherCommandsAreUnknown) {
     launchShown();
     window()->close();
+    delegate->timeSheetUI()->close();
     EXPECT_FALSE(tkTimerArray::instance().isTimerOpen());
     EXPECT_FALSE(tkCLTAppDelegate::hasVisibleWindows());
     EXPECT_EQ(delegate->handleCommand({kReopenRequest}).exitCode, 0);
-    EXPECT_TRUE(window()->isVisible());
-    EXPECT_TRUE(tkTimerArray::instance().isTimerOpen());
+    EXPECT_TRUE(delegate->timeSheetUI()->isVisible());
+    EXPECT_FALSE(window()->isVisible());
+    EXPECT_TRUE(tkPreferences::instance().isTimeSheetOpen());
     const tkCommandReply unknown = delegate->handleCommand({"report"});
     EXPECT_EQ(unknown.exitCode, 1);
     EXPECT_EQ(unknown.err, "chronolet: unknown command: report\n");

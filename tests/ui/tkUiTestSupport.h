@@ -48,10 +48,13 @@ class tkUiTest : public ::testing::Test {
         delegate->applicationDidFinishLaunching();
     }
 
-    // Launches and waits until the timer window is on screen.
+    // Launches and waits until the timer window is on screen, and makes it the
+    // active window (the time sheet window comes up after it).
     void launchShown() {
         launch();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(window(), kPatienceMillis));
+        window()->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window(), kPatienceMillis));
     }
 
     bool terminatedLaunch() const { return delegate->terminated(); }

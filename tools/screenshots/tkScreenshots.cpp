@@ -30,12 +30,14 @@
 #include "timers/tkTimerControl.h"
 #include "timers/tkTimerController.h"
 #include "timers/tkTimerWindow.h"
+#include "timesheet/tkTimeSheet.h"
 #include "tools/screenshots/tkSupportScreenshots.h"
 #include "ui/tkAboutWindow.h"
 #include "ui/tkCLTAppDelegate.h"
 #include "ui/tkDrawerPanel.h"
 #include "ui/tkErrorDisplay.h"
 #include "ui/tkNibLoader.h"
+#include "ui/tkTSUIQt.h"
 #include "ui/tkTimerUI.h"
 #include "ui/tkTimerWindowQt.h"
 #include "ui/tkTimerWindowQtC.h"
@@ -122,6 +124,31 @@ bool timerMenu(const QString& folder) {
     return saved;
 }
 
+// A fortnight of entries, sorted by date, two of them selected so that the counters show
+// the selection's total.
+bool timeSheetWindow(const QString& folder) {
+    tkTimeSheet& sheet = tkTimeSheet::instance();
+    sheet.readTabbedText(
+        "3/4/24\t02:15:00\tMR\tJ-2041\tAUD\tYear-end audit fieldwork\n"
+        "3/4/24\t00:35:00\tMR\tJ-1988\tCONS\tQuarterly review call\n"
+        "3/5/24\t03:40:00\tJC\tJ-2041\tAUD\tInventory count at the warehouse\n"
+        "3/5/24\t00:20:00\tMR\tINTERNAL\tADM\tExpense reports\n"
+        "3/6/24\t01:05:00\tJC\tJ-2050\tTAX\tPayroll tax filing\n"
+        "3/7/24\t04:30:00\tMR\tJ-2041\tAUD\tTest of controls, purchasing\n"
+        "3/8/24\t00:45:00\tJC\tJ-1988\tCONS\tBudget draft for the board\n"
+        "3/11/24\t02:00:00\tMR\tJ-2050\tTAX\tQuarterly estimates\n"
+        "3/12/24\t01:25:00\tJC\tJ-2041\tAUD\tConfirmation letters\n");
+    tkTSUIQt* window = tkCLTAppDelegate::timeSheetUI();
+    if (window == nullptr) {
+        return false;
+    }
+    window->show();
+    const uint32_t rows[] = {2, 5};
+    sheet.changeSelection(2, rows);
+    window->resize(860, 420);
+    return save(window, folder, QStringLiteral("time-sheet-window"));
+}
+
 bool aboutWindow(const QString& folder) {
     tkNibLoader::showAboutWindow();
     QWidget* about = nullptr;
@@ -168,15 +195,11 @@ int main(int argc, char** argv) {
         delegate.applicationDidFinishLaunching();
         makeSampleTimers();
         const std::vector<std::function<bool(const QString&)>> shots = {
-            timerWindowClosed,
-            timerWindowDetails,
-            timerWindowWithList,
-            timerMenu,
-            aboutWindow,
-            errorWindow,
-            screenshotPreferences,
-            screenshotBillCodes,
-            screenshotAddCodesSheet,
+            timerWindowClosed,     timerWindowDetails,
+            timerWindowWithList,   timerMenu,
+            timeSheetWindow,       aboutWindow,
+            errorWindow,           screenshotPreferences,
+            screenshotBillCodes,   screenshotAddCodesSheet,
             screenshotUpdateCheck,
         };
         for (const auto& shot : shots) {
