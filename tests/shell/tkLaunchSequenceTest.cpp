@@ -11,6 +11,8 @@
 #include "shell/tkAppState.h"
 #include "shell/tkDataFiles.h"
 #include "shell/tkDataLocks.h"
+#include "shell/tkErrorReporting.h"
+#include "shell/tkTimeSheetLocation.h"
 #include "tests/platform/tkPlatformTestSupport.h"
 #include "tests/shell/tkShellTestSupport.h"
 #include "timers/tkHeadlessTimerUI.h"
@@ -396,6 +398,27 @@ TEST_F(tkLaunchTest, ClosingTheErrorWindowWithoutAChoiceStillBringsUpTheTimers) 
     ASSERT_EQ(tkTimerArray::instance().numTimers(), 1u);
     EXPECT_EQ(tkTimerArray::instance().timerAt(0)->getTitle(), "Still here");
     EXPECT_FALSE(timeSheetReady());
+
+    // Time added in such a run is said to be unsaved, once; choosing a file
+    // keeps it, and the unreadable file stays as it was found.
+    std::vector<std::string> told;
+    setErrorReporter([&told](const tkException& error) { told.push_back(error.name()); });
+    const auto add = [](const char* description) {
+        tkTimeSheet::instance().addEntry(
+            std::make_shared<tkRecord>("1/3/03", "00:30:00", "EMP", "JOB", "FEE", description));
+    };
+    add("first");
+    add("second");
+    EXPECT_EQ(told, std::vector<std::string>{"Time Sheet Not Saved"});
+    const std::string chosen = home.supportFolder() + "/chosen.txt";
+    EXPECT_EQ(moveTimeSheet(chosen), 0);
+    add("third");
+    EXPECT_EQ(told.size(), 1u);
+    setErrorReporter(nullptr);
+    const std::string written = home.readText(chosen).value_or("");
+    EXPECT_EQ(std::count(written.begin(), written.end(), '\n'), 3) << written;
+    EXPECT_NE(written.find("first"), std::string::npos) << written;
+    EXPECT_NE(written.find("third"), std::string::npos) << written;
     sequence->applicationWillTerminate();
     EXPECT_EQ(home.readText(sheetPath()), "bad line\n");
 }
