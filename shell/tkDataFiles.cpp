@@ -36,6 +36,9 @@ struct DataLayerState {
     // Set during a switch, whose load brings new billing codes: the
     // preferences are written once, when they name the new sheet.
     bool preferenceSavesHeld = false;
+    // The sheet file's text that stands in front of the sheet's rows at every save, for a
+    // tool that adds rows without reading the file into the sheet; see openTimeSheetForAppending.
+    std::optional<std::string> sheetPrefix;
     // Files that could not be read in this run, never to be written over.
     std::set<std::string> keptAsFound;
     // File -> the failure last reported for it, so that each is told once.
@@ -99,9 +102,7 @@ void reportSaveFailure(const std::string& path, const tkException& error) {
         return;
     }
     last = error.message();
-    reportError(tkException(
-        kNotSavedTitle,
-        error.message() + " The change is kept, and is written at the next save that works."));
+    reportError(tkException(kNotSavedTitle, error.message() + kChangeKeptNote));
 }
 
 enum class Guard { DataFolder, TimeSheet };
@@ -268,26 +269,49 @@ void loadTimers() {
     tkAppState::instance().attachTimersHandler();
 }
 
-void openTimeSheet() {
+namespace {
+
+// The steps that come before the time sheet's rows: the file is made when missing and must be
+// writable, its lock is taken, and the temporaries that killed saves of it left are swept.
+// Returns the file.
+std::unique_ptr<tkFile> prepareTimeSheet(const std::string& path) {
     tkFileManager& manager = tkFileManager::instance();
-    const std::string path = tkPreferences::instance().timeSheetFile();
-    const std::unique_ptr<tkFile> file = manager.makeFile(path);
+    std::unique_ptr<tkFile> file = manager.makeFile(path);
     manager.createFile(*file);
     if (!manager.isWritable(*file)) {
         throw IOException("Time sheet lacks write permissions " + path);
     }
-    // Taken before the read and kept to the end of the run: the lock sits on
-    // a lock file that no save replaces, so it never needs dropping.
+    // Taken before the read and kept to the end of the run: the lock sits on a lock file that
+    // no save replaces, so it never needs dropping.
     requireTimeSheetLock(path);
     manager.sweepTemporaries(file->directory(), {file->name()});
-    if (manager.exists(*file)) {
+    return file;
+}
+
+void timeSheetOpened(const std::string& path) {
+    state().keptAsFound.erase(path);
+    tkAppState::instance().attachTimeSheetHandler();
+    state().timeSheetReady = true;
+}
+
+}  // namespace
+
+void openTimeSheet() {
+    const std::string path = tkPreferences::instance().timeSheetFile();
+    const std::unique_ptr<tkFile> file = prepareTimeSheet(path);
+    if (tkFileManager::instance().exists(*file)) {
         readRowsOf(path, readKeptOnFailure(*file));
     } else {
         tkTimeSheet::instance().setDirty(true);
     }
-    state().keptAsFound.erase(path);
-    tkAppState::instance().attachTimeSheetHandler();
-    state().timeSheetReady = true;
+    timeSheetOpened(path);
+}
+
+void openTimeSheetForAppending(std::string presentText) {
+    const std::string path = tkPreferences::instance().timeSheetFile();
+    prepareTimeSheet(path);
+    state().sheetPrefix = std::move(presentText);
+    timeSheetOpened(path);
 }
 
 int32_t switchTimeSheet(const tkFile& file, bool load, bool create) {
@@ -402,9 +426,18 @@ void saveTimeSheet() {
     if (!sheet.isDirty() || state().sheetSavesHeld) {
         return;
     }
-    // The sheet keeps its file text between saves: no copy of it is made.
+    // The sheet keeps its file text between saves: no copy of it is made, unless the rows
+    // stand behind a file's text that was never read into the sheet.
     if (writeDataFile(tkPreferences::instance().timeSheetFile(), Guard::TimeSheet,
-                      [&sheet](std::string&) -> const std::string& { return sheet.fileText(); })) {
+                      [&sheet](std::string& text) -> const std::string& {
+                          const std::optional<std::string>& prefix = state().sheetPrefix;
+                          if (!prefix) {
+                              return sheet.fileText();
+                          }
+                          text.reserve(prefix->size() + sheet.fileText().size());
+                          text = *prefix;
+                          return text += sheet.fileText();
+                      })) {
         sheet.setDirty(false);
     }
 }
