@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <unordered_set>
@@ -30,6 +31,38 @@ tkCommandFailure unreadable(const tkException& error) {
     return tkCommandFailure(kExitFileError, error.message() + " The file is left as it is.");
 }
 
+// A billing code of up to 16 bytes as two numbers with its length: compared and hashed without
+// a call, which matters at one lookup per code of every row of a large sheet.
+struct PackedCode {
+    uint64_t low = 0;
+    uint64_t high = 0;
+    bool operator==(const PackedCode& other) const {
+        return low == other.low && high == other.high;
+    }
+};
+
+struct PackedCodeHash {
+    size_t operator()(const PackedCode& code) const {
+        return static_cast<size_t>((code.low ^ (code.high << 1)) * 0x9E3779B97F4A7C15ULL);
+    }
+};
+
+// False for a code too long to pack.
+bool pack(std::string_view code, PackedCode& packed) {
+    if (code.size() > 16) {
+        return false;
+    }
+    // Byte by byte: a call to copy a few bytes costs more than the loop.
+    packed = PackedCode{};
+    for (size_t i = 0; i < code.size(); ++i) {
+        uint64_t& word = i < 8 ? packed.low : packed.high;
+        word |= static_cast<uint64_t>(static_cast<unsigned char>(code[i])) << (8 * (i % 8));
+    }
+    // The length keeps "A" apart from "A" followed by a zero byte.
+    packed.high ^= static_cast<uint64_t>(code.size()) << 56;
+    return true;
+}
+
 // Whether the billing codes of rows are all in the known lists already: a row with a new
 // code would add it there when loaded, and the preferences file would change with it.
 class KnownCodes {
@@ -37,31 +70,45 @@ class KnownCodes {
     KnownCodes() {
         const std::array<const char*, 3> types = {kFieldEmployee, kFieldJobNumber, kFieldFeeCode};
         for (size_t i = 0; i < types.size(); ++i) {
-            codes_[i] = tkKnownRecordItems::instance().codes(types[i]);
-            sets_[i].insert(codes_[i].begin(), codes_[i].end());
+            for (const std::string& code : tkKnownRecordItems::instance().codes(types[i])) {
+                PackedCode packed;
+                if (pack(code, packed)) {
+                    sets_[i].insert(packed);
+                }
+            }
         }
     }
 
     bool holdCodesOf(const tkSheetRow& row) {
         for (size_t i = 0; i < sets_.size(); ++i) {
-            const std::string_view code = row.fields[i + 2];
-            // Rows in a row often share their codes: one comparison instead of a lookup.
-            if (code == last_[i]) {
-                continue;
-            }
-            const auto found = sets_[i].find(code);
-            if (found == sets_[i].end()) {
+            PackedCode code;
+            if (!pack(row.fields[i + 2], code)) {
                 return false;
             }
-            last_[i] = *found;
+            // A sheet uses few codes, over and over: those found lately need no lookup.
+            PackedCode& recent = recent_[i][PackedCodeHash()(code) >> 58];
+            if (!(code == recent)) {
+                if (sets_[i].count(code) == 0) {
+                    return false;
+                }
+                recent = code;
+            }
         }
         return true;
     }
 
   private:
-    std::array<std::vector<std::string>, 3> codes_;
-    std::array<std::unordered_set<std::string_view>, 3> sets_;
-    std::array<std::string_view, 3> last_;
+    // A code that no packing gives: its length byte is beyond 16.
+    static constexpr PackedCode kNone{~0ULL, ~0ULL};
+
+    std::array<std::unordered_set<PackedCode, PackedCodeHash>, 3> sets_;
+    std::array<std::array<PackedCode, 64>, 3> recent_ = [] {
+        std::array<std::array<PackedCode, 64>, 3> none;
+        for (auto& column : none) {
+            column.fill(kNone);
+        }
+        return none;
+    }();
 };
 
 }  // namespace

@@ -310,6 +310,8 @@ void openTimeSheet() {
 void openTimeSheetForAppending(std::string presentText) {
     const std::string path = tkPreferences::instance().timeSheetFile();
     prepareTimeSheet(path);
+    // Room for a few rows behind it, so that a save doesn't move the whole text.
+    presentText.reserve(presentText.size() + 4096);
     state().sheetPrefix = std::move(presentText);
     timeSheetOpened(path);
 }
@@ -426,18 +428,22 @@ void saveTimeSheet() {
     if (!sheet.isDirty() || state().sheetSavesHeld) {
         return;
     }
-    // The sheet keeps its file text between saves: no copy of it is made, unless the rows
-    // stand behind a file's text that was never read into the sheet.
-    if (writeDataFile(tkPreferences::instance().timeSheetFile(), Guard::TimeSheet,
-                      [&sheet](std::string& text) -> const std::string& {
-                          const std::optional<std::string>& prefix = state().sheetPrefix;
-                          if (!prefix) {
-                              return sheet.fileText();
-                          }
-                          text.reserve(prefix->size() + sheet.fileText().size());
-                          text = *prefix;
-                          return text += sheet.fileText();
-                      })) {
+    // The sheet keeps its file text between saves: no copy of it is made. Rows that stand
+    // behind a file's text never read into the sheet are put behind that text for the write
+    // and taken off again, which costs less than a copy of a large file's text.
+    std::optional<std::string>& prefix = state().sheetPrefix;
+    const size_t kept = prefix ? prefix->size() : 0;
+    if (prefix) {
+        *prefix += sheet.fileText();
+    }
+    const bool written = writeDataFile(tkPreferences::instance().timeSheetFile(), Guard::TimeSheet,
+                                       [&sheet, &prefix](std::string&) -> const std::string& {
+                                           return prefix ? *prefix : sheet.fileText();
+                                       });
+    if (prefix) {
+        prefix->resize(kept);
+    }
+    if (written) {
         sheet.setDirty(false);
     }
 }

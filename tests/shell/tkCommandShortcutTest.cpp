@@ -104,6 +104,8 @@ TEST_F(tkCommandShortcutTest, AddLeavesTheBytesThatLoadingTheWholeSheetLeaves) {
         {"padded date", line("01/02/24"), false},
         {"four-digit year", line("1/2/2024"), false},
         {"empty date", line(""), false},
+        {"unnormalised duration", "1/2/24\t100:90:05\tEMP\tJOB\tFEE\twork\n", true},
+        {"one-digit hours", "1/2/24\t1:00:00\tEMP\tJOB\tFEE\twork\n", false},
         {"decimal duration", "1/2/24\t1.5\tEMP\tJOB\tFEE\twork\n", false},
         {"lower-case code", line("1/2/24", "emp"), false},
         {"code not yet known", line("1/2/24", "NEW"), false},
