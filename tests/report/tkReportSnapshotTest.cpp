@@ -78,8 +78,7 @@ TEST(ReportSnapshot, SubtotalRowFollowsEachGroupOfTheSortKey) {
     EXPECT_EQ(byDate.durationString, "01:45:00");
 
     sheet.setSortBy("employee");
-    EXPECT_EQ(takeReportSnapshot(sheet, false, true).data[5][2],
-              "Subtotal: ANN, 2 entries");
+    EXPECT_EQ(takeReportSnapshot(sheet, false, true).data[5][2], "Subtotal: ANN, 2 entries");
     EXPECT_EQ(subtotalLabel("off", "", 1), "Subtotal: 1 entry");
     EXPECT_EQ(subtotalLabel("job number", "", 2), "Subtotal: (empty), 2 entries");
     EXPECT_TRUE(takeReportSnapshot(tkTimeSheet(), false, true).subtotalRows.empty());
