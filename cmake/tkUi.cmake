@@ -43,7 +43,8 @@ endif()
 # Renders every window to PNG under a display (make screenshots).
 add_executable(tk_screenshots
   "${PROJECT_SOURCE_DIR}/tools/screenshots/tkScreenshots.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/screenshots/tkSupportScreenshots.cpp")
+  "${PROJECT_SOURCE_DIR}/tools/screenshots/tkSupportScreenshots.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/screenshots/tkExtrasScreenshots.cpp")
 target_link_libraries(tk_screenshots PRIVATE tk_ui)
 
 # The application's own version file, which the update check compares with

@@ -11,6 +11,9 @@
 namespace {
 
 constexpr int64_t kMinuteMillis = 60'000;
+const char* const kKeepButton = "keepIdleTime";
+const char* const kSubtractButton = "subtractIdleTime";
+const char* const kStopButton = "subtractAndStop";
 
 QString clockTime(int64_t millis) {
     return QLocale::system().toString(QDateTime::fromMSecsSinceEpoch(millis).time(),
@@ -53,30 +56,42 @@ void tkIdleMonitorQt::readIdleTime() {
     _asking = false;
 }
 
+std::unique_ptr<QMessageBox> tkIdleMonitorQt::makeQuestion(const tkIdleAbsence& absence) {
+    auto question = std::make_unique<QMessageBox>();
+    question->setObjectName(QStringLiteral("idleQuestion"));
+    question->setWindowTitle(QStringLiteral("Idle Time"));
+    question->setIcon(QMessageBox::Question);
+    question->setText(questionText(absence));
+    question->setInformativeText(QStringLiteral("What should happen to the idle time?"));
+    const struct {
+        const char* name;
+        const char* text;
+        QMessageBox::ButtonRole role;
+    } buttons[] = {
+        {kKeepButton, "Keep Idle Time", QMessageBox::RejectRole},
+        {kSubtractButton, "Subtract Idle Time", QMessageBox::AcceptRole},
+        {kStopButton, "Subtract and Stop Timers", QMessageBox::AcceptRole},
+    };
+    for (const auto& each : buttons) {
+        QPushButton* button = question->addButton(QString::fromLatin1(each.text), each.role);
+        button->setObjectName(QString::fromLatin1(each.name));
+    }
+    question->setDefaultButton(question->findChild<QPushButton*>(QLatin1String(kSubtractButton)));
+    // Closing the question keeps the time: nothing is taken away unasked.
+    question->setEscapeButton(question->findChild<QPushButton*>(QLatin1String(kKeepButton)));
+    question->setWindowModality(Qt::ApplicationModal);
+    return question;
+}
+
 tkIdleAnswer tkIdleMonitorQt::ask(const tkIdleAbsence& absence) {
-    QMessageBox question;
-    question.setObjectName(QStringLiteral("idleQuestion"));
-    question.setWindowTitle(QStringLiteral("Idle Time"));
-    question.setIcon(QMessageBox::Question);
-    question.setText(questionText(absence));
-    question.setInformativeText(QStringLiteral("What should happen to the idle time?"));
-    QPushButton* keep =
-        question.addButton(QStringLiteral("Keep Idle Time"), QMessageBox::RejectRole);
-    keep->setObjectName(QStringLiteral("keepIdleTime"));
-    QPushButton* subtract =
-        question.addButton(QStringLiteral("Subtract Idle Time"), QMessageBox::AcceptRole);
-    subtract->setObjectName(QStringLiteral("subtractIdleTime"));
-    QPushButton* stop =
-        question.addButton(QStringLiteral("Subtract and Stop Timers"), QMessageBox::AcceptRole);
-    stop->setObjectName(QStringLiteral("subtractAndStop"));
-    question.setDefaultButton(subtract);
-    question.setEscapeButton(keep);
-    question.setWindowModality(Qt::ApplicationModal);
-    question.exec();
-    if (question.clickedButton() == subtract) {
+    const std::unique_ptr<QMessageBox> question = makeQuestion(absence);
+    question->exec();
+    const QAbstractButton* clicked = question->clickedButton();
+    const QString name = clicked != nullptr ? clicked->objectName() : QString();
+    if (name == QLatin1String(kSubtractButton)) {
         return tkIdleAnswer::SubtractTime;
     }
-    if (question.clickedButton() == stop) {
+    if (name == QLatin1String(kStopButton)) {
         return tkIdleAnswer::SubtractAndStop;
     }
     return tkIdleAnswer::KeepTime;

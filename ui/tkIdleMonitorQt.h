@@ -33,6 +33,8 @@ class tkIdleMonitorQt : public QObject, public tkObserver {
     // The question, application-modal: "keepIdleTime", "subtractIdleTime" and
     // "subtractAndStop" are its buttons; closing it keeps the time.
     static tkIdleAnswer ask(const tkIdleAbsence& absence);
+    // The question's window, not yet shown.
+    static std::unique_ptr<QMessageBox> makeQuestion(const tkIdleAbsence& absence);
     // Its text: when the user was away, how long, and what each timer counted meanwhile.
     static QString questionText(const tkIdleAbsence& absence);
     // "35 minutes", "1 hour 5 minutes", "less than a minute".

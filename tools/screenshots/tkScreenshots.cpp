@@ -30,6 +30,7 @@
 #include "timers/tkTimerControl.h"
 #include "timers/tkTimerController.h"
 #include "timers/tkTimerWindow.h"
+#include "tools/screenshots/tkExtrasScreenshots.h"
 #include "tools/screenshots/tkSupportScreenshots.h"
 #include "ui/tkAboutWindow.h"
 #include "ui/tkCLTAppDelegate.h"
@@ -178,6 +179,9 @@ int main(int argc, char** argv) {
             screenshotBillCodes,
             screenshotAddCodesSheet,
             screenshotUpdateCheck,
+            screenshotIdleQuestion,
+            [&delegate](const QString& f) { return screenshotTrayMenu(f, delegate.trayIcon()); },
+            screenshotReportSubtotals,
         };
         for (const auto& shot : shots) {
             ok = shot(folder) && ok;
