@@ -84,6 +84,15 @@ TEST_F(tkPreferencesTest, SettersPostAsEachPromises) {
          2},
         {"setTimeSheetFile without move",
          [](tkPreferences& p) { p.setTimeSheetFile("/elsewhere/sheet.txt", false); }, 1},
+        {"setIdleCheckOn(true), unchanged", [](tkPreferences& p) { p.setIdleCheckOn(true); }, 0},
+        {"setIdleCheckOn(false)", [](tkPreferences& p) { p.setIdleCheckOn(false); }, 1},
+        {"setIdleMinutes(10), unchanged", [](tkPreferences& p) { p.setIdleMinutes(10); }, 0},
+        {"setIdleMinutes(-5), kept at one", [](tkPreferences& p) { p.setIdleMinutes(-5); }, 1},
+        {"setIdleMinutes(0), still one", [](tkPreferences& p) { p.setIdleMinutes(0); }, 0},
+        {"setReportSubtotals(false), unchanged",
+         [](tkPreferences& p) { p.setReportSubtotals(false); }, 0},
+        {"setReportSubtotals(true)", [](tkPreferences& p) { p.setReportSubtotals(true); }, 1},
+        {"setSheetSubtotals(true)", [](tkPreferences& p) { p.setSheetSubtotals(true); }, 1},
     };
     tkPreferences& preferences = tkPreferences::instance();
     for (const SetterCase& c : cases) {
@@ -100,6 +109,8 @@ TEST_F(tkPreferencesTest, SettersPostAsEachPromises) {
     EXPECT_FALSE(preferences.isSingleWindowMode());
     EXPECT_FALSE(preferences.isTimeSheetWorldWritable());
     EXPECT_EQ(preferences.timeSheetFile(), "/elsewhere/sheet.txt");
+    EXPECT_EQ(preferences.idleMinutes(), tkPreferences::kMinIdleMinutes);
+    EXPECT_EQ(preferences.idleThresholdMinutes(), 0) << "the check is off";
 }
 
 TEST_F(tkPreferencesTest, DefaultRecordAndSortChangesMarkItDirtyWhoeverMadeThem) {
@@ -156,9 +167,13 @@ TEST_F(tkPreferencesTest, ResetSaveLocationMovesBackAndResetsEverything) {
     preferences.setSingleWindowMode(false);
     preferences.setTimeSheetOpen(false);
     preferences.setTimeSheetWorldWritable(false);
+    preferences.setIdleMinutes(30);
+    preferences.setReportSubtotals(true);
     recorder.clear();
 
     EXPECT_TRUE(preferences.resetSaveLocation());
+    EXPECT_EQ(preferences.idleThresholdMinutes(), tkPreferences::kDefaultIdleMinutes);
+    EXPECT_FALSE(preferences.isReportSubtotals());
     EXPECT_EQ(preferences.timeSheetFile(), original);
     EXPECT_EQ(home.readText(original), "rows\n");
     EXPECT_FALSE(home.exists("away.txt"));
@@ -254,6 +269,10 @@ TEST_F(tkPreferencesTest, WrittenFormReadsBackToTheSameValues) {
     preferences.setTimeSheetOpen(false);
     preferences.setTimeSheetWorldWritable(false);
     preferences.setTimeSheetFile("/round/trip.txt", false);
+    preferences.setIdleCheckOn(false);
+    preferences.setIdleMinutes(25);
+    preferences.setReportSubtotals(true);
+    preferences.setSheetSubtotals(true);
     setDefaultField(kFieldDescription, "carried");
     const std::string text = preferences.toTag()->toText(0);
 
@@ -264,8 +283,39 @@ TEST_F(tkPreferencesTest, WrittenFormReadsBackToTheSameValues) {
     EXPECT_FALSE(preferences.isTimeSheetOpen());
     EXPECT_FALSE(preferences.isTimeSheetWorldWritable());
     EXPECT_EQ(preferences.timeSheetFile(), "/round/trip.txt");
+    EXPECT_FALSE(preferences.isIdleCheckOn());
+    EXPECT_EQ(preferences.idleMinutes(), 25);
+    EXPECT_TRUE(preferences.isReportSubtotals());
+    EXPECT_TRUE(preferences.isSheetSubtotals());
     EXPECT_EQ(defaultRecord().description()->toString(), "carried");
     EXPECT_EQ(preferences.toTag()->toText(0), text);
 }
 
 }  // namespace
+
+// The settings that came later are written only when changed, so that an untouched file keeps
+// its old bytes; minutes out of range are brought into it.
+TEST_F(tkPreferencesTest, LaterSettingsReadClampedAndAreWrittenOnlyWhenChanged) {
+    struct Case {
+        const char* text;
+        int32_t idleMinutes;
+    };
+    const Case cases[] = {
+        {"<tkPreferences><idleMinutes>0</idleMinutes></tkPreferences>", 1},
+        {"<tkPreferences><idleMinutes>99999</idleMinutes></tkPreferences>", 24 * 60},
+        {"<tkPreferences><idleMinutes>soon</idleMinutes></tkPreferences>", 10},
+        {"<tkPreferences><IDLEMINUTES>45</IDLEMINUTES></tkPreferences>", 45},
+    };
+    tkPreferences& preferences = tkPreferences::instance();
+    for (const Case& c : cases) {
+        preferences.setIdleMinutes(tkPreferences::kDefaultIdleMinutes);
+        preferences.fromTag(*parse(c.text));
+        EXPECT_EQ(preferences.idleMinutes(), c.idleMinutes) << c.text;
+    }
+    preferences.setIdleMinutes(tkPreferences::kDefaultIdleMinutes);
+    EXPECT_EQ(preferences.toTag()->childCount(), 8);
+    preferences.setReportSubtotals(true);
+    const std::unique_ptr<tkTagNode> node = preferences.toTag();
+    ASSERT_EQ(node->childCount(), 9);
+    EXPECT_EQ(node->childAt(8)->name(), "reportSubtotals");
+}
