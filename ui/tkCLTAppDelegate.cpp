@@ -227,8 +227,10 @@ tkCommandReply tkCLTAppDelegate::handleCommand(const std::vector<std::string>& w
 }
 
 void tkCLTAppDelegate::closeAllWindows() {
-    // The windows built on demand belong to objects that delete them.
+    // The windows built on demand belong to objects that delete them, and so does the
+    // tray's.
     tkNibLoader::releaseWindows();
+    tkTrayIconQt::takeAllOutOfTray();
     QList<QPointer<QWidget>> windows;
     // Only windows without a parent: the others (a combo box's popup, a
     // sheet) go with their parents, which still point at them.

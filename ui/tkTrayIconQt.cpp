@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QMenu>
 #include <QSystemTrayIcon>
+#include <vector>
 
 #include "foundation/tkNotificationNames.h"
 #include "records/tkDuration.h"
@@ -15,6 +16,11 @@
 namespace {
 
 const char* const kApplicationName = "Chronolet Plus";
+
+std::vector<tkTrayIconQt*>& liveIcons() {
+    static std::vector<tkTrayIconQt*> icons;
+    return icons;
+}
 
 QString timerLine(const tkTimer& timer) {
     return QString::fromStdString(timer.getTitle()) + QStringLiteral(": ") +
@@ -40,9 +46,11 @@ tkTrayIconQt::tkTrayIconQt(Actions actions, QObject* parent)
     tkNotificationCenter::instance().addObserver(
         this, [this](const tkNotification&) { timersChanged(); }, kTimerBecameDirty, nullptr);
     refresh();
+    liveIcons().push_back(this);
 }
 
 tkTrayIconQt::~tkTrayIconQt() {
+    std::erase(liveIcons(), this);
     tkNotificationCenter::instance().removeObserver(this, kTimerBecameDirty, nullptr);
     delete _menu.data();
 }
@@ -54,6 +62,13 @@ bool tkTrayIconQt::showInTray() {
     _tray->show();
     refreshIconAndToolTip();
     return true;
+}
+
+void tkTrayIconQt::takeAllOutOfTray() {
+    for (tkTrayIconQt* icon : liveIcons()) {
+        icon->_ticker.stop();
+        icon->_tray->hide();
+    }
 }
 
 bool tkTrayIconQt::isShownInTray() const {

@@ -50,6 +50,10 @@ class tkTrayIconQt : public QObject, public tkObserver {
     // Builds the menu anew and sets icon and tooltip from the timers.
     void refresh();
 
+    // Takes every icon out of the tray. The tray's own window is a window without a parent,
+    // which must go through its icon: call before the windows are deleted wholesale.
+    static void takeAllOutOfTray();
+
   private:
     void timersChanged();
     void rebuildMenu();
