@@ -121,10 +121,15 @@ tkTSUIQt::tkTSUIQt()
 }
 
 tkTSUIQt::~tkTSUIQt() {
-    // The bridge goes first: nothing may reach a window half taken apart.
+    // The bridge goes first: nothing may reach a window half taken apart. Nor may a field
+    // that loses the focus while the children go (its editingFinished, its focus events).
     _modelObserver.reset();
     for (const QPointer<QObject>& item : _menuItems) {
         delete item.data();
+    }
+    for (QObject* child : findChildren<QObject*>()) {
+        child->disconnect(this);
+        child->removeEventFilter(this);
     }
 }
 
