@@ -15,25 +15,22 @@ namespace {
 constexpr double kPageHeight = 164.0;
 constexpr double kPageWidth = 600.0;
 
-std::string linesOfText(int lines) {
-    return std::string(static_cast<size_t>(lines) * 48, 'a');
-}
-
 struct Report {
     tkTestPageAreas areas;
     tkPrintTimeSheetLayout layout;
 
-    explicit Report(const std::vector<int>& lines, double pageHeight = kPageHeight)
-        : layout(snapshotFor(lines), true, {3.0, 2.0}, areas.header, areas.footer,
-                 "Time Sheet Report") {
+    explicit Report(const std::vector<int>& lines) : Report(snapshotFor(lines)) {}
+    explicit Report(const tkReportSnapshot& snapshot)
+        : layout(snapshot, true, {3.0, 2.0}, areas.header, areas.footer, "Time Sheet Report") {
         layout.setCellMeasurer(areas.font);
-        layout.setFrame({18, 18, kPageWidth, pageHeight});
+        layout.setFrame({18, 18, kPageWidth, kPageHeight});
     }
 
+    // Rows whose descriptions take the given numbers of lines.
     static tkReportSnapshot snapshotFor(const std::vector<int>& lines) {
         std::vector<std::string> descriptions;
         for (int count : lines) {
-            descriptions.push_back(linesOfText(count));
+            descriptions.push_back(std::string(static_cast<size_t>(count) * 48, 'a'));
         }
         return snapshotOfDescriptions(descriptions);
     }
@@ -61,128 +58,90 @@ struct Report {
 //           | row that overflowed, into the footer's room
 //           | footer |
 TEST(PrintLayout, PaginationKeepsAnOverflowingRowAsTheLastRowOfItsPage) {
-    struct Case {
-        const char* name;
+    const struct {
         std::vector<int> lines;  // lines of each row's description
         const char* pages;
-    };
-    const Case cases[] = {
-        {"one row", {1}, "1/1"},
-        {"exactly a page", {1, 1, 1, 1, 1}, "11111/1"},
-        // The last row overflows: it is both a break and the closing entry, so a last page
-        // of header and footer only follows.
-        {"one over", {1, 1, 1, 1, 1, 1}, "111111/2"},
-        {"two over", {1, 1, 1, 1, 1, 1, 1}, "1111112/2"},
+    } cases[] = {
+        {{1}, "1/1"},
+        {{1, 1, 1, 1, 1}, "11111/1"},  // exactly a page
+        // The last row overflows: it is both a break and the closing entry, so a last page of
+        // header and footer only follows.
+        {{1, 1, 1, 1, 1, 1}, "111111/2"},
+        {{1, 1, 1, 1, 1, 1, 1}, "1111112/2"},
         // Three lines at a page end: kept on page 1 past the table area; page 2 then fits only
         // four rows, because the overflowing row's height starts its run.
-        {"three lines at a page end", {1, 1, 1, 1, 3, 1, 1, 1, 1, 1}, "1111122223/3"},
-        // A row taller than a page stands alone on it; the break after it makes the next row
-        // overflow at once.
-        {"taller than a page", {12, 1}, "12/3"},
+        {{1, 1, 1, 1, 3, 1, 1, 1, 1, 1}, "1111122223/3"},
+        // A row taller than a page stands alone on it; the next row overflows at once.
+        {{12, 1}, "12/3"},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         Report report(c.lines);
-        EXPECT_EQ(report.pages(), c.pages) << c.name;
-        EXPECT_EQ(report.layout.totalHeight(), report.layout.numPages() * kPageHeight) << c.name;
+        EXPECT_EQ(report.pages(), c.pages) << c.pages;
+        EXPECT_EQ(report.layout.totalHeight(), report.layout.numPages() * kPageHeight) << c.pages;
     }
 }
 
-TEST(PrintLayout, RowsStandBelowTheHeaderAtTheirMeasuredHeights) {
-    Report report({1, 3, 1});
-    tkPrintTimeSheetLayout& layout = report.layout;
-    EXPECT_EQ(layout.rowHeights(), (std::vector<double>{16, 36, 16}));
-    EXPECT_EQ(layout.pageTableHeight(), kPageHeight - 30 - 40 - 2);
-    const double top = layout.totalHeight() - 40;
-    EXPECT_EQ(layout.rectOfRow(0), (tkRect{10, top - 18, kPageWidth - 20, 16}));
-    EXPECT_EQ(layout.rectOfRow(1), (tkRect{10, top - 18 - 38, kPageWidth - 20, 36}));
-    EXPECT_EQ(layout.rectOfRow(3), tkRect{});
-    EXPECT_EQ(layout.rectOfRow(-1), tkRect{});
-    // The frame became as tall as its pages.
-    EXPECT_EQ(layout.frame(), (tkRect{18, 18, kPageWidth, kPageHeight}));
-}
+// Rows stand below the header at their measured heights; the columns take their widest cell
+// or title (6 per character and 4 of insets), 4 more each, and the last takes the rest of the
+// page, even less than nothing.
+TEST(PrintLayout, RowsAndColumnsTakeTheRoomTheirCellsNeed) {
+    Report rows({1, 3, 1});
+    EXPECT_EQ(rows.layout.rowHeights(), (std::vector<double>{16, 36, 16}));
+    EXPECT_EQ(rows.layout.pageTableHeight(), kPageHeight - 30 - 40 - 2);
+    const double top = rows.layout.totalHeight() - 40;
+    EXPECT_EQ(rows.layout.rectOfRow(1), (tkRect{10, top - 18 - 38, kPageWidth - 20, 36}));
+    EXPECT_EQ(rows.layout.rectOfRow(3), tkRect{});
+    EXPECT_EQ(rows.layout.rectOfRow(-1), tkRect{});
+    EXPECT_EQ(rows.layout.frame(), (tkRect{18, 18, kPageWidth, kPageHeight}));
 
-TEST(PrintLayout, ColumnsTakeTheirWidestCellOrTitleAndTheLastTakesTheRest) {
-    tkTestPageAreas areas;
     tkReportSnapshot snapshot = snapshotOfDescriptions({"a", "b"});
     snapshot.data[2][1] = std::string(20, 'e');  // an employee wider than its title
-    tkPrintTimeSheetLayout layout(snapshot, true, {3.0, 2.0}, areas.header, areas.footer, "T");
-    layout.setCellMeasurer(areas.font);
-    layout.setFrame({0, 0, kPageWidth, kPageHeight});
+    Report report(snapshot);
+    tkPrintTimeSheetLayout& layout = report.layout;
 
-    // Titles measure 6 per character and 4 of insets; every column gets 4 more.
     const std::vector<double> widths = {32, 56, 124 + 4, 56, 68, 600 - 20 - 355};
     EXPECT_EQ(layout.columnWidths(), widths);
     EXPECT_EQ(layout.totalWidth(), kPageWidth - 20);
     // The entry count stands over the last column; the titles follow the columns.
-    EXPECT_EQ(areas.footer.entryCountField().frame.x, 355 + 10);
-    double x = 10;
-    for (size_t c = 0; c < 6; ++c) {
-        EXPECT_EQ(areas.header.columnHeaders()[c].frame.x, x) << c;
-        EXPECT_EQ(areas.header.columnHeaders()[c].frame.width, widths[c]) << c;
-        x += widths[c] + 3;
+    EXPECT_EQ(report.areas.footer.entryCountField().frame.x, 355 + 10);
+    for (size_t c = 0, x = 10; c < 6; x += static_cast<size_t>(widths[c]) + 3, ++c) {
+        EXPECT_EQ(report.areas.header.columnHeaders()[c].frame.x, x) << c;
+        EXPECT_EQ(report.areas.header.columnHeaders()[c].frame.width, widths[c]) << c;
     }
     EXPECT_EQ(layout.rectOfColumn(2), (tkRect{10 + 35 + 59, 0, 128, layout.totalHeight()}));
-    EXPECT_EQ(areas.header.frame().width, kPageWidth);
-    EXPECT_EQ(areas.footer.frame().width, kPageWidth);
-
     // Each figuring starts from the widths the titles keep: a second one widens again.
     layout.figureColumnWidths();
     EXPECT_EQ(layout.columnWidths()[0], 36);
-}
 
-TEST(PrintLayout, SingleColumnTakesThePageAndWideColumnsLeaveTheLastNegative) {
-    tkTestPageAreas areas;
     tkReportSnapshot single;
     single.columns = {"description"};
     single.data = {{"only"}};
     single.rowCount = 1;
-    tkPrintTimeSheetLayout one(single, true, {3.0, 2.0}, areas.header, areas.footer, "T");
-    one.setCellMeasurer(areas.font);
-    one.setFrame({0, 0, kPageWidth, kPageHeight});
-    EXPECT_EQ(one.columnWidths(), std::vector<double>{kPageWidth - 20});
-    EXPECT_EQ(areas.footer.entryCountField().frame.x, 10);
-
-    tkTestPageAreas narrow;
+    EXPECT_EQ(Report(single).layout.columnWidths(), std::vector<double>{kPageWidth - 20});
     tkReportSnapshot wide = snapshotOfDescriptions({"a"});
     wide.data[0][0] = std::string(100, 'd');
-    tkPrintTimeSheetLayout layout(wide, true, {3.0, 2.0}, narrow.header, narrow.footer, "T");
-    layout.setCellMeasurer(narrow.font);
-    layout.setFrame({0, 0, kPageWidth, kPageHeight});
-    EXPECT_LT(layout.columnWidths().back(), 0.0);
+    EXPECT_LT(Report(wide).layout.columnWidths().back(), 0.0);
 }
 
-// An empty report is one page whose rectangle lies below the document's origin; the header,
-// with no height figured, hangs just above it and the footer stands on its bottom.
-TEST(PrintLayout, EmptyReportIsOnePageWithHeaderAboveAndFooterOnIt) {
-    Report report({});
-    tkPrintTimeSheetLayout& layout = report.layout;
-    EXPECT_EQ(layout.numPages(), 1);
-    EXPECT_EQ(layout.totalHeight(), 0.0);
-    EXPECT_EQ(layout.rectForPage(1), (tkRect{0, -kPageHeight, kPageWidth, kPageHeight}));
-    EXPECT_EQ(layout.rectForPage(2), tkRect{});
-    EXPECT_EQ(layout.rowsInRect(layout.rectForPage(1)), (tkRange{0, 0}));
-    int drawn = 0;
-    layout.forEachCellInRect(layout.rectForPage(1),
-                             [&](int32_t, int32_t, const tkRect&) { ++drawn; });
-    EXPECT_EQ(drawn, 0);
-
-    layout.beginPageInRect(layout.rectForPage(1));
-    layout.drawPageBorder();
-    EXPECT_EQ(report.areas.header.frame().y, 0.0);
-    EXPECT_EQ(report.areas.footer.frame().y, -kPageHeight);
-    EXPECT_EQ(report.areas.header.pageNumberField().text, "Page 1 of 1");
-    EXPECT_EQ(report.areas.footer.entryCountField().text, "Entry Count: 0");
-}
-
+// An empty report is one page whose rectangle lies below the document's origin; the header
+// hangs just above it and the footer stands on its bottom. A loop that starts at a later page
+// reads the page from its rectangle.
 TEST(PrintLayout, PageLoopNumbersPagesAndPlacesHeaderAndFooter) {
+    Report empty(std::vector<int>{});
+    EXPECT_EQ(empty.layout.numPages(), 1);
+    EXPECT_EQ(empty.layout.rectForPage(1), (tkRect{0, -kPageHeight, kPageWidth, kPageHeight}));
+    EXPECT_EQ(empty.layout.rowsInRect(empty.layout.rectForPage(1)), (tkRange{0, 0}));
+    empty.layout.beginPageInRect(empty.layout.rectForPage(1));
+    empty.layout.drawPageBorder();
+    EXPECT_EQ(empty.areas.header.frame().y, 0.0);
+    EXPECT_EQ(empty.areas.footer.frame().y, -kPageHeight);
+    EXPECT_EQ(empty.areas.footer.entryCountField().text, "Entry Count: 0");
+
     Report report({1, 1, 1, 1, 1, 1, 1});
     tkPrintTimeSheetLayout& layout = report.layout;
     ASSERT_TRUE(layout.knowsPageRange());
-    ASSERT_EQ(layout.numPages(), 2);
-    // A loop that starts at page 2 reads the page from its rectangle.
-    const tkRect second = layout.rectForPage(2);
-    EXPECT_EQ(second, (tkRect{0, 0, kPageWidth, kPageHeight}));
-    layout.beginPageInRect(second);
+    EXPECT_EQ(layout.rectForPage(2), (tkRect{0, 0, kPageWidth, kPageHeight}));
+    layout.beginPageInRect(layout.rectForPage(2));
     EXPECT_EQ(layout.currentPageNumber(), 2);
     layout.drawPageBorder();
     EXPECT_EQ(report.areas.header.pageNumberField().text, "Page 2 of 2");
@@ -193,7 +152,10 @@ TEST(PrintLayout, PageLoopNumbersPagesAndPlacesHeaderAndFooter) {
     EXPECT_EQ(layout.rectForPage(3), tkRect{});
 }
 
-TEST(PrintLayout, HitTestingFindsRowsAndColumnsOfAPage) {
+// Hit testing finds rows and columns of a page (the column after the one under the point,
+// deliberately); a page draws every cell that meets it, so what a tall row runs past its
+// page's bottom edge is drawn at the top of the next page.
+TEST(PrintLayout, PagesReachTheRowsAndCellsThatMeetThem) {
     Report report({1, 1, 1, 1, 1, 1, 1});
     tkPrintTimeSheetLayout& layout = report.layout;
     EXPECT_EQ(layout.rowAtPoint({50, layout.totalHeight() + 1}), -1);
@@ -202,30 +164,23 @@ TEST(PrintLayout, HitTestingFindsRowsAndColumnsOfAPage) {
         EXPECT_EQ(layout.rowAtPoint({50, rect.y + rect.height / 2}), row) << row;
     }
     EXPECT_EQ(layout.rowAtPoint({50, -1}), -2);
-    EXPECT_EQ(layout.columnAtPoint({-1, 0}), -1);
-    EXPECT_EQ(layout.columnAtPoint({0, 0}), 0);
-    // The column after the one under the point, deliberately.
-    EXPECT_EQ(layout.columnAtPoint({20, 0}), 1);
-    EXPECT_EQ(layout.columnAtPoint({kPageWidth, 0}), -2);
+    const std::vector<std::pair<double, int32_t>> columns = {
+        {-1, -1}, {0, 0}, {20, 1}, {kPageWidth, -2}};
+    for (const auto& [x, column] : columns) {
+        EXPECT_EQ(layout.columnAtPoint({x, 0}), column) << x;
+    }
     EXPECT_EQ(layout.columnsInRect(layout.rectForPage(1)), (tkRange{0, 5}));
-    // Page 1 reaches from row 0 to the first row of page 2, both included.
     EXPECT_EQ(layout.rowsInRect(layout.rectForPage(1)), (tkRange{0, 6}));
-}
 
-// A page draws every cell that meets it, so what a tall row runs past its page's bottom edge
-// is drawn at the top of the next page.
-TEST(PrintLayout, PagesDrawTheCellsThatMeetThemIncludingARowRunningOver) {
-    Report report({12, 1});
+    Report tall({12, 1});
     std::vector<std::vector<int32_t>> rowsOfPage(3);
     for (int32_t page = 1; page <= 3; ++page) {
-        report.layout.forEachCellInRect(report.layout.rectForPage(page),
-                                        [&](int32_t column, int32_t row, const tkRect&) {
-                                            if (column == 5) {
-                                                rowsOfPage[page - 1].push_back(row);
-                                            }
-                                        });
+        tall.layout.forEachCellInRect(tall.layout.rectForPage(page),
+                                      [&](int32_t column, int32_t row, const tkRect&) {
+                                          if (column == 5) {
+                                              rowsOfPage[page - 1].push_back(row);
+                                          }
+                                      });
     }
-    EXPECT_EQ(rowsOfPage[0], std::vector<int32_t>{0});
-    EXPECT_EQ(rowsOfPage[1], (std::vector<int32_t>{0, 1}));
-    EXPECT_TRUE(rowsOfPage[2].empty());
+    EXPECT_EQ(rowsOfPage, (std::vector<std::vector<int32_t>>{{0}, {0, 1}, {}}));
 }

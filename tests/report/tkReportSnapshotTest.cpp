@@ -21,35 +21,33 @@ class tkMarkingDateFormatter : public tkDateFormatter {
     }
 };
 
+using Texts = std::vector<std::string>;
+
 }  // namespace
 
-// The report reads what the table shows: the printed column order, the user's dates, the rows in
-// display order or the selection in its own order with a repeated row printed twice, and the
-// total of the same rows.
+// The report reads what the table shows: the printed column order, the user's dates, the rows
+// in display order or the selection in its own order with a repeated row printed twice, and
+// the total of the same rows.
 TEST(ReportSnapshot, ReadsTheShownTextsOfAllRowsOrOfTheSelection) {
     installDateFormatter(std::make_unique<tkMarkingDateFormatter>());
     tkTimeSheet sheet;
     sheet.insertRecord(entry("1/2/20|1:00:00|ann|J1|FC|first"));
     sheet.insertRecord(entry("1/3/20|0:30:00|bob|J2|GC|second"));
     sheet.insertRecord(entry("1/4/20|0:15:00|cy|J3|HC|third"));
-    sheet.changeSelection(3, std::vector<uint32_t>{2, 0, 2}.data());
-
+    select(sheet, {2, 0, 2});
     const tkReportSnapshot all = takeReportSnapshot(sheet, false);
-    EXPECT_EQ(all.columns, (std::vector<std::string>{"date", "duration", "employee", "fee code",
-                                                     "job number", "description"}));
+    EXPECT_EQ(all.columns,
+              (Texts{"date", "duration", "employee", "fee code", "job number", "description"}));
     EXPECT_EQ(all.rowCount, 3u);
-    EXPECT_EQ(all.data[0], (std::vector<std::string>{"d1/2/20", "d1/3/20", "d1/4/20"}));
-    EXPECT_EQ(all.data[3], (std::vector<std::string>{"FC", "GC", "HC"}));
-    EXPECT_EQ(all.data[4], (std::vector<std::string>{"J1", "J2", "J3"}));
+    EXPECT_EQ(all.data[0], (Texts{"d1/2/20", "d1/3/20", "d1/4/20"}));
+    EXPECT_EQ(all.data[3], (Texts{"FC", "GC", "HC"}));
+    EXPECT_EQ(all.data[4], (Texts{"J1", "J2", "J3"}));
     EXPECT_EQ(all.durationString, "01:45:00");
-
     const tkReportSnapshot selected = takeReportSnapshot(sheet, true);
     EXPECT_EQ(selected.rowCount, 3u);
-    EXPECT_EQ(selected.data[5], (std::vector<std::string>{"third", "first", "third"}));
-    EXPECT_EQ(selected.data[1], (std::vector<std::string>{"00:15:00", "01:00:00", "00:15:00"}));
+    EXPECT_EQ(selected.data[5], (Texts{"third", "first", "third"}));
     EXPECT_EQ(selected.durationString, "01:30:00");
-
-    sheet.changeSelection(0, nullptr);
+    select(sheet, {});
     const tkReportSnapshot none = takeReportSnapshot(sheet, true);
     EXPECT_EQ(none.rowCount, 0u);
     EXPECT_EQ(none.data.size(), 6u);

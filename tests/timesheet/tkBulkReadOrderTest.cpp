@@ -7,9 +7,9 @@
 
 #include "foundation/tkNotificationCenter.h"
 #include "foundation/tkNotificationNames.h"
-#include "foundation/tkObserver.h"
 #include "foundation/tkTagParser.h"
 #include "tests/timesheet/tkTimeSheetTestSupport.h"
+#include "timesheet/tkUndoManager.h"
 
 namespace {
 
@@ -28,79 +28,71 @@ const std::vector<std::string> kMixedLines = {
     "1/1/20|1:00|cy|9|mtg|a3", "3/1/20|2:30|bo|8|Adm|c3",
 };
 
-// The same lines inserted one at a time under the key, as the raw insertion places them.
-std::string oneByOne(const std::string& key, const std::vector<std::string>& lines) {
-    tkTimeSheet sheet;
-    sheet.applySortBy(key);
-    for (const auto& line : lines) {
-        sheet.insertRecord(entry(line));
-    }
-    return joined(sheet);
-}
-
 }  // namespace
 
-TEST(BulkRead, IntoAnEmptySheetMatchesOneByOneInsertionForEveryKey) {
+// For every key, into an empty sheet, into a filled one (the old rows first), and into rows put
+// out of order by hand, where the search lands where its halving leads.
+TEST(BulkRead, PlacesEachRowAsItsOwnInsertionWould) {
     for (const char* key :
          {"date", "duration", "employee", "job number", "fee code", "description", "off"}) {
-        tkTimeSheet sheet;
-        sheet.applySortBy(key);
-        sheet.readTabbedText(fileText(kMixedLines));
-        EXPECT_EQ(joined(sheet), oneByOne(key, kMixedLines)) << "key: " << key;
-        EXPECT_EQ(sheet.rowCount(), kMixedLines.size()) << "key: " << key;
+        for (const std::vector<std::string>& old :
+             {std::vector<std::string>{},
+              {"2/1/20|1:00|||zz|old-feb", "9/1/20|1:00|||aa|old-sep"}}) {
+            tkTimeSheet sheet;
+            tkTimeSheet reference;
+            sheet.applySortBy(key);
+            reference.applySortBy(key);
+            for (const auto& line : old) {
+                sheet.insertRecord(entry(line));
+                reference.insertRecord(entry(line));
+            }
+            sheet.readTabbedText(fileText(kMixedLines));
+            for (const auto& line : kMixedLines) {
+                reference.insertRecord(entry(line));
+            }
+            EXPECT_EQ(joined(sheet), joined(reference)) << "key " << key << ", " << old.size();
+        }
     }
-}
-
-TEST(BulkRead, IntoAFilledSheetPlacesEachRowAmongTheOld) {
-    const std::vector<std::string> old = {"2/1/20|1:00||||old-feb", "9/1/20|1:00||||old-sep"};
     tkTimeSheet sheet;
-    sheet.readTabbedText(fileText(old));
-    sheet.readTabbedText(fileText(kMixedLines));
-    std::vector<std::string> all = old;
-    all.insert(all.end(), kMixedLines.begin(), kMixedLines.end());
-    EXPECT_EQ(joined(sheet), oneByOne("date", all));
-}
-
-TEST(BulkRead, IntoAnUnsortedSheetSearchesAsEachInsertionWould) {
-    // Rows put out of order by hand: the search then lands where its halving leads, and the
-    // load must give the very same rows as the raw insertions.
-    tkTimeSheet sheet;
-    sheet.insertRecordAtRow(entry("9/9/20", "late"), 0);
-    sheet.insertRecordAtRow(entry("1/1/20", "early"), 1);
     tkTimeSheet reference;
-    reference.insertRecordAtRow(entry("9/9/20", "late"), 0);
-    reference.insertRecordAtRow(entry("1/1/20", "early"), 1);
+    for (tkTimeSheet* each : {&sheet, &reference}) {
+        each->insertRecordAtRow(entry("9/9/20", "late"), 0);
+        each->insertRecordAtRow(entry("1/1/20", "early"), 1);
+    }
     sheet.readTabbedText(fileText({"5/5/20|1:00||||mid", "1/1/19|1:00||||first"}));
+    // The read rows go in sorted among themselves first.
     reference.insertRecord(entry("1/1/19|1:00||||first"));
     reference.insertRecord(entry("5/5/20|1:00||||mid"));
     EXPECT_EQ(joined(sheet), joined(reference));
 }
 
-TEST(BulkRead, SelectsTheNewRowsInTheirReadOrderAfterSorting) {
+// A load is no undo step; it leaves the sheet dirty and its new rows selected. Tagged records
+// go in one by one, other children skipped.
+TEST(BulkRead, SelectsTheNewRowsAndMakesNoStep) {
     tkTimeSheet sheet;
     sheet.readTabbedText(fileText({"2/1/20|1:00||||b", "1/1/20|1:00||||a", "2/1/20|1:00||||c"}));
     EXPECT_EQ(joined(sheet), "a|b|c");
     EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{0, 1, 2}));
+    EXPECT_TRUE(sheet.isDirty());
+    sheet.readTabbedText(fileText({"1/2/20|1:00||||a2"}));
+    EXPECT_EQ(joined(sheet), "a|a2|b|c");
+    EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{1}));
+    sheet.addRecordsFromTags(*tkTagParser().parse(
+        "<sheet><record><date>3/1/20</date><description>late</description></record>"
+        "<note>skip</note>"
+        "<record><date>1/1/20</date><description>early</description></record></sheet>"));
+    EXPECT_EQ(joined(sheet), "a|early|a2|b|c|late");
+    EXPECT_FALSE(sheet.undoManager().canUndo());
 }
 
-TEST(BulkRead, TaggedRecordsKeepTheirOwnOrderEvenSortedByDate) {
-    // The tagged reader adds its list unsorted, one search per record; a later record of an
-    // earlier date goes in front of the ones before it.
-    tkTimeSheet sheet;
-    tkTagParser parser;
-    const auto node = parser.parse(
-        "<sheet><record><date>3/1/20</date><description>march</description></record>"
-        "<record><date>1/1/20</date><description>january</description></record></sheet>");
-    sheet.addRecordsFromTags(*node);
-    EXPECT_EQ(joined(sheet), "january|march");
-}
-
+// Each row's selection is posted on its own. An observer may keep the selection it is shown,
+// or only look at it; either way, what it was shown must never change later.
 TEST(BulkRead, EverySelectionPostedStaysAsItWasWhetherKeptOrDropped) {
-    // Each row's selection is posted on its own. An observer may keep the selection it is
-    // shown, or only look at it; either way, what it was shown must never change later.
     const std::vector<std::string> lines = {"1/1/20|1:00||||a", "1/2/20|1:00||||b",
                                             "1/3/20|1:00||||c", "1/4/20|1:00||||d",
                                             "1/5/20|1:00||||e"};
+    const std::vector<std::vector<uint32_t>> expected = {
+        {}, {0}, {1}, {2}, {3}, {4}, {0, 1, 2, 3, 4}};
     for (size_t keepEvery : {1, 2, 3, 0}) {
         tkTimeSheet sheet;
         tkObserver observer;
@@ -120,9 +112,6 @@ TEST(BulkRead, EverySelectionPostedStaysAsItWasWhetherKeptOrDropped) {
         sheet.readTabbedText(fileText(lines));
         tkNotificationCenter::instance().removeObserver(&observer, kTimeSheetSelectionChanged,
                                                         &sheet);
-
-        const std::vector<std::vector<uint32_t>> expected = {
-            {}, {0}, {1}, {2}, {3}, {4}, {0, 1, 2, 3, 4}};
         EXPECT_EQ(seen, expected) << "keeping every " << keepEvery;
         for (size_t i = 1; i < shown.size(); ++i) {
             EXPECT_NE(shown[i], shown[i - 1]) << "post " << i << ", keeping every " << keepEvery;

@@ -11,12 +11,11 @@
 // Each case: the key, the key texts of rows A, B, C, ... in that order (sorting off), and the
 // rows in the order the sort must give. Equal keys keep their order.
 TEST(Sorting, EachKeyOrdersRowsStablyByItsOwnComparison) {
-    struct Case {
+    const struct {
         std::string key;
         std::vector<std::string> texts;
         std::string order;
-    };
-    const std::vector<Case> cases = {
+    } cases[] = {
         {"date", {"1/2/21", "12/31/20", "1/1/21", "12/31/20"}, "B|D|C|A"},
         {"job number", {"9", "10", ""}, "C|B|A"},
         // ":" sorts after "0", so 100 hours come before 10.
@@ -26,7 +25,7 @@ TEST(Sorting, EachKeyOrdersRowsStablyByItsOwnComparison) {
         {"description", {"Fix", "fix", "fi", "\xC3\xA9t\xC3\xA9"}, "C|A|B|D"},
         {"off", {"b", "a"}, "A|B"},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         tkTimeSheet sheet;
         sheet.applySortBy("off");
         // The row's name goes into a field that is not the key.
@@ -42,13 +41,29 @@ TEST(Sorting, EachKeyOrdersRowsStablyByItsOwnComparison) {
     }
 }
 
-TEST(Sorting, LaterSortKeepsTheEarlierOrderAmongEquals) {
+// A later sort keeps the earlier order among its equals; the selected records stay selected
+// at their new rows, in the old selection order; undo restores even an order no key gives, and
+// the key before.
+TEST(Sorting, SortsAreStableSelectionKeepingStepsThatUndoExactly) {
     tkTimeSheet sheet;
-    sheet.insertRecord(entry("3/1/20|1:00||||x"));
-    sheet.insertRecord(entry("1/1/20|1:00||||y"));
-    sheet.insertRecord(entry("2/1/20|1:00||||x"));
+    sheet.setSortBy("off");
+    fill(sheet, {"d", "a", "c", "b"}, "5/5/20");
+    sheet.addEntryAtRow(entry("1/1/20", "a"), 3);
+    select(sheet, {4, 0});  // "b", then "d"
+    sheet.setSortBy("date");
+    EXPECT_EQ(joined(sheet), "a|d|a|c|b");
     sheet.setSortBy("description");
-    EXPECT_EQ(joined(sheet, "date"), "2/1/20|3/1/20|1/1/20");
+    EXPECT_EQ(joined(sheet, "date"), "1/1/20|5/5/20|5/5/20|5/5/20|5/5/20");
+    EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{2, 4}));
+    EXPECT_EQ(sheet.undoManager().getUndoPresentationName(), "Undo Sort by Description");
+    sheet.undoManager().undo();
+    EXPECT_EQ(joined(sheet), "a|d|a|c|b");
+    sheet.undoManager().undo();
+    EXPECT_EQ(joined(sheet), "d|a|c|a|b");
+    EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{4, 0}));
+    EXPECT_EQ(sheet.sortBy(), "off");
+    sheet.undoManager().redo();
+    EXPECT_EQ(sheet.sortBy(), "date");
 }
 
 TEST(Sorting, PostsSelectionThenDirtyThenSortByEvenOnAnEmptySheet) {
@@ -66,34 +81,6 @@ TEST(Sorting, PostsSelectionThenDirtyThenSortByEvenOnAnEmptySheet) {
     sheet.restoreSortBy("date");
     EXPECT_EQ(recorder.names(),
               (std::vector<std::string>{kTimeSheetBecameDirty, kTimeSheetSortByChanged}));
-    EXPECT_TRUE(selected(sheet).empty());
-}
-
-TEST(Sorting, SelectedRecordsStaySelectedAtTheirNewRowsInTheOldOrder) {
-    tkTimeSheet sheet;
-    fill(sheet, {"d", "a", "c", "b"});
-    sheet.changeSelection(2, std::vector<uint32_t>{3, 0}.data());  // "b", then "d"
-    sheet.setSortBy("description");
-    EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{1, 3}));
-    sheet.undoManager().undo();
-    EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{3, 0}));
-}
-
-TEST(Sorting, UndoRestoresAnOrderNoKeyGivesAndTheKeyBefore) {
-    tkTimeSheet sheet;
-    sheet.setSortBy("off");
-    fill(sheet, {"b", "c", "a"}, "5/5/20");
-    sheet.addEntryAtRow(entry("1/1/20", "z"), 1);
-    sheet.setSortBy("date");
-    sheet.setSortBy("description");
-    EXPECT_EQ(sheet.undoManager().getUndoPresentationName(), "Undo Sort by Description");
-    sheet.undoManager().undo();
-    EXPECT_EQ(joined(sheet), "z|b|c|a");
-    sheet.undoManager().undo();
-    EXPECT_EQ(joined(sheet), "b|z|c|a");
-    EXPECT_EQ(sheet.sortBy(), "off");
-    sheet.undoManager().redo();
-    EXPECT_EQ(sheet.sortBy(), "date");
 }
 
 TEST(Sorting, InsertionRowGoesBehindAllEqualsAndToTheEndWhenOff) {
@@ -104,9 +91,11 @@ TEST(Sorting, InsertionRowGoesBehindAllEqualsAndToTheEndWhenOff) {
     EXPECT_EQ(sheet.insertionRow(*entry("1/1/20", "a")), 0u);
     EXPECT_EQ(sheet.insertionRow(*entry("1/1/20", "M")), 1u);
     fill(sheet, {"a", "c", "c", "c", "x"});
-    EXPECT_EQ(sheet.insertionRow(*entry("1/1/20", "C")), 4u);
-    EXPECT_EQ(sheet.insertionRow(*entry("1/1/20", "b")), 1u);
-    EXPECT_EQ(sheet.insertionRow(*entry("1/1/20", "z")), 6u);
+    const std::vector<std::pair<std::string, uint32_t>> cases = {
+        {"C", 4}, {"b", 1}, {"z", 6}, {"a", 1}, {"0", 0}};
+    for (const auto& [text, row] : cases) {
+        EXPECT_EQ(sheet.insertionRow(*entry("1/1/20", text)), row) << text;
+    }
     sheet.applySortBy("off");
     EXPECT_EQ(sheet.insertionRow(*entry("1/1/20", "a")), 6u);
     EXPECT_TRUE(sheet.less(*entry("1/1/20", "a"), *entry("1/1/20", "a")));

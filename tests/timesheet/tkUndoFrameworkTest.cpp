@@ -41,34 +41,20 @@ class LoggingEdit : public tkUndoableEdit {
 
 }  // namespace
 
-TEST(UndoManager, RefusalTextsHaveNoFullStopButASingleEditsHave) {
+// The manager's refusals have no full stop, a single edit's has: deliberate. Nothing limits
+// the depth; an edit added after an undo cuts the redo side; die() ends all of it.
+TEST(UndoManager, NamesTheStepsAndCutsTheRedoSideOnAdd) {
     std::vector<std::string> log;
     tkUndoManager manager;
-    EXPECT_EQ(manager.getUndoPresentationName(), "Can't Undo");
-    EXPECT_EQ(manager.getRedoPresentationName(), "Can't Redo");
-    auto edit = std::make_unique<LoggingEdit>("Edit Cell", &log);
-    const tkUndoableEdit* raw = edit.get();
-    manager.addEdit(std::move(edit));
-    EXPECT_EQ(manager.getUndoPresentationName(), "Undo Edit Cell");
-    EXPECT_EQ(manager.getRedoPresentationName(), "Can't Redo");
-    manager.undo();
-    EXPECT_EQ(manager.getUndoPresentationName(), "Can't Undo");
-    EXPECT_EQ(manager.getRedoPresentationName(), "Redo Edit Cell");
-    EXPECT_EQ(raw->getUndoPresentationName(), "Can't Undo.");
-
-    manager.die();
-    EXPECT_FALSE(manager.canRedo());
-    EXPECT_EQ(manager.getRedoPresentationName(), "Can't Redo");
-    EXPECT_EQ(manager.index(), 0);
-}
-
-TEST(UndoManager, AddAfterUndoCutsTheRedoSideAndNothingLimitsTheDepth) {
-    std::vector<std::string> log;
-    tkUndoManager manager;
+    EXPECT_EQ(manager.getUndoPresentationName() + "|" + manager.getRedoPresentationName(),
+              "Can't Undo|Can't Redo");
     for (int i = 0; i < 150; ++i) {
         manager.addEdit(std::make_unique<LoggingEdit>(std::to_string(i), &log));
     }
     manager.undo();
+    EXPECT_EQ(manager.getUndoPresentationName() + "|" + manager.getRedoPresentationName(),
+              "Undo 148|Redo 149");
+    EXPECT_EQ(manager.editAt(149)->getUndoPresentationName(), "Can't Undo.");
     manager.undo();
     manager.addEdit(std::make_unique<LoggingEdit>("new", &log));
     EXPECT_EQ(manager.editCount(), 149u);
@@ -80,6 +66,10 @@ TEST(UndoManager, AddAfterUndoCutsTheRedoSideAndNothingLimitsTheDepth) {
     ASSERT_EQ(log.size(), 151u);
     EXPECT_EQ(log[2], "undo new");
     EXPECT_EQ(log.back(), "undo 0");
+    manager.redo();
+    manager.die();
+    EXPECT_FALSE(manager.canUndo() || manager.canRedo());
+    EXPECT_EQ(manager.getRedoPresentationName(), "Can't Redo");
 }
 
 TEST(UndoManager, PostsOnceForEachStepThatActsAndNeverOnRefusalOrFailure) {
@@ -95,7 +85,6 @@ TEST(UndoManager, PostsOnceForEachStepThatActsAndNeverOnRefusalOrFailure) {
     manager.redo();
     manager.redo();
     EXPECT_EQ(recorder.count(kUndoStackChanged), 3);
-
     manager.addEdit(std::make_unique<LoggingEdit>("throws", &log));
     EXPECT_THROW(manager.undo(), std::runtime_error);
     EXPECT_EQ(manager.index(), 2);
@@ -116,7 +105,6 @@ TEST(CompoundEdit, TakesItsPartsBackwardsAndForwardsInsideOneBracket) {
     compound.addEdit(std::make_unique<LoggingEdit>("late", &log));
     EXPECT_EQ(compound.count(), 3u);
     EXPECT_EQ(compound.getUndoPresentationName(), "Undo ");
-
     compound.undo();
     compound.redo();
     EXPECT_EQ(log, (std::vector<std::string>{"undo C", "undo B", "undo A", "redo A", "redo B",
