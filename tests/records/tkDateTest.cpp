@@ -3,11 +3,13 @@
 #include <cstdlib>
 #include <ctime>
 #include <string>
+#include <vector>
 
 #include "foundation/StringFormatException.h"
 #include "records/tkDate.h"
 #include "tests/support/tkStdoutCapture.h"
 #include "tests/support/tkTestClock.h"
+#include "tests/support/tkThrown.h"
 
 namespace {
 
@@ -20,28 +22,26 @@ void setTimeZone(const char* zone) {
     tzset();
 }
 
+// The three numbers in full, month first.
+std::string numbers(const tkDate& date) {
+    return std::to_string(date.month()) + " " + std::to_string(date.day()) + " " +
+           std::to_string(date.year());
+}
+
 }  // namespace
 
 // The year part: below 50 is this century, up to 99 the last, anything else as written;
 // month and day are taken as they stand, -1 where no number starts.
 TEST(tkDate, TextIsReadPartByPartWithTheCenturyRule) {
-    struct Case {
-        const char* text;
-        int32_t month, day, year;
-    };
-    const Case cases[] = {
-        {"12/31/49", 12, 31, 2049}, {"12/31/50", 12, 31, 1950}, {"12/31/99", 12, 31, 1999},
-        {"12/31/100", 12, 31, 100}, {"1/1/2004", 1, 1, 2004},   {"1/1/0", 1, 1, 2000},
-        {"1/2/", 1, 2, 1999},       {"1/2/x", 1, 2, 1999},      {"1/2/-60", 1, 2, 1940},
-        {"1/2/ 5", 1, 2, 2005},     {"1/2/5/9", 1, 2, 2005},    {"1/2/12abc", 1, 2, 2012},
-        {"15/40/07", 15, 40, 2007}, {"3x/4y/05", 3, 4, 2005},   {"/4/05", -1, 4, 2005},
-        {"3//05", 3, -1, 2005},     {" -2/+7/05", -2, 7, 2005}, {"a/b/05", -1, -1, 2005},
-    };
-    for (const Case& c : cases) {
-        const tkDate date{std::string(c.text)};
-        EXPECT_EQ(date.month(), c.month) << c.text;
-        EXPECT_EQ(date.day(), c.day) << c.text;
-        EXPECT_EQ(date.year(), c.year) << c.text;
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"12/31/49", "12 31 2049"}, {"12/31/50", "12 31 1950"}, {"12/31/99", "12 31 1999"},
+        {"12/31/100", "12 31 100"}, {"1/1/2004", "1 1 2004"},   {"1/1/0", "1 1 2000"},
+        {"1/2/", "1 2 1999"},       {"1/2/x", "1 2 1999"},      {"1/2/-60", "1 2 1940"},
+        {"1/2/ 5", "1 2 2005"},     {"1/2/5/9", "1 2 2005"},    {"1/2/12abc", "1 2 2012"},
+        {"15/40/07", "15 40 2007"}, {"3x/4y/05", "3 4 2005"},   {"/4/05", "-1 4 2005"},
+        {"3//05", "3 -1 2005"},     {" -2/+7/05", "-2 7 2005"}, {"a/b/05", "-1 -1 2005"}};
+    for (const auto& [text, expected] : cases) {
+        EXPECT_EQ(numbers(tkDate(text)), expected) << text;
     }
 }
 
@@ -49,73 +49,57 @@ TEST(tkDate, TextIsReadPartByPartWithTheCenturyRule) {
 TEST(tkDate, TodayAndTimestampsAreLocalDates) {
     setTimeZone("UTC-10");
     tkTestClock clock(kJan2At20Utc * 1000);
-    EXPECT_EQ(tkDate(std::string()).toString(), "1/3/5");
-    EXPECT_EQ(tkDate::today()->toString(), "1/3/5");
-    EXPECT_EQ(tkDate(kJan2At20Utc).toString(), "1/3/5");
+    EXPECT_EQ(tkDate(std::string()).toString() + " " + tkDate::today()->toString() + " " +
+                  tkDate(kJan2At20Utc).toString(),
+              "1/3/5 1/3/5 1/3/5");
     // New Year's Eve in UTC is already the next year ten hours east.
     clock.set(int64_t{1104537600 - 3600} * 1000);
-    EXPECT_EQ(tkDate(std::string("3/15")).year(), 2005);
+    EXPECT_EQ(numbers(tkDate(std::string("3/15"))), "3 15 2005");
     setTimeZone("UTC+5");
     EXPECT_EQ(tkDate(kJan2At20Utc).toString(), "1/2/5");
 }
 
 TEST(tkDate, TextWithoutSlashThrowsAndKeepsTheOldDate) {
     for (const char* text : {"20050103", "junk", " "}) {
-        tkStdoutCapture out;
-        try {
-            tkDate date{std::string(text)};
-            FAIL() << "no exception for " << text;
-        } catch (const StringFormatException& e) {
-            EXPECT_EQ(e.message(),
-                      "Date fields in Chronolet Plus data files must have at least one '/' "
-                      "character.")
-                << text;
-        }
+        EXPECT_EQ(thrown([&] { tkDate{std::string(text)}; }),
+                  "StringFormatException|Date fields in Chronolet Plus data files must have at "
+                  "least one '/' character.")
+            << text;
     }
     tkDate date(3, 4, 2005);
     EXPECT_THROW(date.setFromString("no slash"), StringFormatException);
-    EXPECT_EQ(date.toString(), "3/4/5");
+    EXPECT_EQ(numbers(date), "3 4 2005");
 }
 
+// Unpadded with a two-digit year; dates are values set once, so the rendered text is kept even
+// when the date is set again, and a clone starts from the numbers.
 TEST(tkDate, TextIsUnpaddedWithTwoDigitYearAndRenderedOnce) {
-    struct Case {
-        int32_t month, day, year;
-        const char* text;
-    };
-    const Case cases[] = {
-        {1, 3, 2005, "1/3/5"},      {12, 31, 1999, "12/31/99"}, {6, 7, 2000, "6/7/0"},
-        {10, 10, 2049, "10/10/49"}, {1, 1, 1950, "1/1/50"},     {2, 30, 100, "2/30/0"},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(tkDate(c.month, c.day, c.year).toString(), c.text) << c.text;
+    const std::vector<std::pair<tkDate, std::string>> cases = {{tkDate(1, 3, 2005), "1/3/5"},
+                                                               {tkDate(12, 31, 1999), "12/31/99"},
+                                                               {tkDate(6, 7, 2000), "6/7/0"},
+                                                               {tkDate(10, 10, 2049), "10/10/49"},
+                                                               {tkDate(2, 30, 100), "2/30/0"}};
+    for (const auto& [date, text] : cases) {
+        EXPECT_EQ(date.toString(), text) << text;
     }
-    // Dates are values set once: the rendered text is kept even when the date is set again,
-    // and a clone starts from the numbers.
     tkDate date(1, 2, 2003);
     EXPECT_EQ(date.toString(), "1/2/3");
     date.setFromString("4/5/06");
-    EXPECT_EQ(date.month(), 4);
-    EXPECT_EQ(date.toString(), "1/2/3");
-    EXPECT_EQ(date.clone()->toString(), "4/5/6");
+    EXPECT_EQ(numbers(date) + " " + date.toString() + " " + date.clone()->toString(),
+              "4 5 2006 1/2/3 4/5/6");
 }
 
+// "1/9/5" sorts after "1/10/5" as text, before it as a date.
 TEST(tkDate, CompareDateIsChronologicalWhileCompareIsTextual) {
-    struct Case {
-        tkDate a, b;
-        int expected;
-    };
-    const Case cases[] = {
-        {tkDate(12, 31, 2004), tkDate(1, 1, 2005), -1},
-        {tkDate(2, 1, 2005), tkDate(1, 28, 2005), 1},
-        {tkDate(1, 9, 2005), tkDate(1, 10, 2005), -1},
-        {tkDate(1, 9, 2005), tkDate(1, 9, 2005), 0},
-        {tkDate(-1, 1, 1999), tkDate(1, 1, 1999), -1},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(c.a.compareDate(c.b), c.expected) << c.a.toString() << " vs " << c.b.toString();
-        EXPECT_EQ(c.b.compareDate(c.a), -c.expected) << c.b.toString() << " vs " << c.a.toString();
-        EXPECT_EQ(c.a.isEqual(c.b), c.expected == 0) << c.a.toString();
+    const tkDate dates[] = {tkDate(-1, 1, 1999), tkDate(1, 1, 1999),  tkDate(12, 31, 2004),
+                            tkDate(1, 9, 2005),  tkDate(1, 10, 2005), tkDate(1, 28, 2005),
+                            tkDate(2, 1, 2005)};
+    for (size_t a = 0; a < std::size(dates); ++a) {
+        for (size_t b = 0; b < std::size(dates); ++b) {
+            const int expected = a < b ? -1 : a > b ? 1 : 0;
+            EXPECT_EQ(dates[a].compareDate(dates[b]), expected) << a << " vs " << b;
+            EXPECT_EQ(dates[a].isEqual(dates[b]), a == b) << a << " vs " << b;
+        }
     }
-    // "1/9/5" sorts after "1/10/5" as text, before it as a date.
     EXPECT_GT(tkDate(1, 9, 2005).compare(tkDate(1, 10, 2005)), 0);
 }

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "records/tkDescription.h"
 #include "records/tkEmployee.h"
@@ -9,75 +10,48 @@
 #include "records/tkJobNumber.h"
 #include "records/tkKnownRecordItems.h"
 
-// Stored whole at the limit (which isAcceptable, deliberately, already refuses), cut one byte
-// past it; only setText takes text as it is.
-TEST(tkRecordItem, LeavesCarryTheirNamesAndByteLimits) {
-    struct Case {
-        std::unique_ptr<tkRecordItem> item;
-        const char* name;
-        size_t maxLength;
-    };
-    Case cases[] = {
-        {std::make_unique<tkDescription>(), "description", 360},
-        {std::make_unique<tkEmployee>(), "employee", 4},
-        {std::make_unique<tkFeeCode>(), "fee code", 4},
-        {std::make_unique<tkJobNumber>(), "job number", 10},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(c.item->fieldName(), c.name);
-        EXPECT_EQ(c.item->toString(), "") << c.name;
-        c.item->setFromString(std::string(c.maxLength, 'x'));
-        EXPECT_EQ(c.item->text().size(), c.maxLength) << c.name;
-        EXPECT_TRUE(c.item->isAcceptable(std::string(c.maxLength - 1, 'x'))) << c.name;
-        EXPECT_FALSE(c.item->isAcceptable(c.item->text())) << c.name;
-        c.item->setFromString(std::string(c.maxLength + 1, 'y'));
-        EXPECT_EQ(c.item->text(), std::string(c.maxLength, 'y')) << c.name;
-        c.item->setText(std::string(c.maxLength + 1, '\t'));
-        EXPECT_EQ(c.item->text(), std::string(c.maxLength + 1, '\t')) << c.name;
+// Separators become blanks first, then the text is cut by bytes, even inside a character: kept
+// whole at the limit (which isAcceptable, deliberately, already refuses), cut one byte past it.
+// Only setText takes text as it is.
+TEST(tkRecordItem, LeavesTurnSeparatorsIntoBlanksAndCutAtTheirByteLimits) {
+    const std::unique_ptr<tkRecordItem> items[] = {
+        std::make_unique<tkDescription>(), std::make_unique<tkEmployee>(),
+        std::make_unique<tkFeeCode>(), std::make_unique<tkJobNumber>()};
+    std::string names;
+    for (const auto& item : items) {
+        const size_t limit = static_cast<size_t>(item->maxLength());
+        names += item->fieldName() + " " + std::to_string(limit) + "|";
+        item->setFromString(std::string(limit, 'x'));
+        EXPECT_EQ(item->text().size(), limit) << item->fieldName();
+        EXPECT_TRUE(item->isAcceptable(std::string(limit - 1, 'x'))) << item->fieldName();
+        EXPECT_FALSE(item->isAcceptable(item->text())) << item->fieldName();
+        item->setFromString("a\tb\nc\rd\r\n" + std::string(limit, 'y'));
+        EXPECT_EQ(item->text(), ("a b c d  " + std::string(limit, 'y')).substr(0, limit));
+        item->setText("\t");
+        EXPECT_EQ(item->toString(), "\t");
     }
-}
-
-// Separators become blanks first, then the text is cut by bytes, even inside a character.
-TEST(tkRecordItem, SanitizeTurnsSeparatorsIntoBlanksThenCutsBytes) {
+    EXPECT_EQ(names, "description 360|employee 4|fee code 4|job number 10|");
     std::string accents;
     for (int i = 0; i < 180; ++i) {
         accents += "\xC3\xA9";
     }
-    const struct {
-        std::string input, expected;
-    } cases[] = {
-        {"a\tb\nc\rd", "a b c d"},
-        {"line\r\nend", "line  end"},
-        {"  Mixed Case  ", "  Mixed Case  "},
-        {accents, accents},
-        {"x" + accents, "x" + accents.substr(0, 359)},
-    };
-    tkDescription description;
-    for (const auto& c : cases) {
-        EXPECT_EQ(description.sanitize(c.input), c.expected) << c.input;
-    }
-    EXPECT_EQ(tkEmployee("a\tbcde").text(), "a bc");
+    EXPECT_EQ(tkDescription(accents).text(), accents);
+    EXPECT_EQ(tkDescription("x" + accents).text(), "x" + accents.substr(0, 359));
 }
 
+// Case is ignored, bytes are unsigned, and the shorter of two texts with one beginning sorts
+// first; across fields compare throws the other value, while compareText looks only at texts.
 TEST(tkRecordItem, CompareTextIgnoresCaseAndOrdersByUnsignedBytesShorterFirst) {
-    const struct {
-        const char* a;
-        const char* b;
-        int expectedSign;
-    } cases[] = {
-        {"abc", "ABD", -1}, {"ABC", "abc", 0},     {"AB", "ABC", -1}, {"ABC", "AB", 1},
-        {"", "", 0},        {"", "A", -1},         {"9", "A", -1},    {"Z", "\xC3\xA9", -1},
-        {"b", "A", 1},      {"a\xC3", "A\x7F", 1},
-    };
-    for (const auto& c : cases) {
-        const tkEmployee a(c.a);
-        const tkEmployee b(c.b);
-        const int32_t result = a.compareText(b);
-        EXPECT_EQ((result > 0) - (result < 0), c.expectedSign) << c.a << " vs " << c.b;
-        EXPECT_EQ(a.compare(b), result) << c.a << " vs " << c.b;
-        EXPECT_EQ(a.isEqual(b), c.expectedSign == 0) << c.a << " vs " << c.b;
+    const std::vector<std::string> ordered = {"",    "9",     "A",     "AB", "abc",
+                                              "ABD", "a\x7F", "A\xC3", "Z",  "\xC3\xA9"};
+    for (size_t a = 0; a < ordered.size(); ++a) {
+        for (size_t b = 0; b < ordered.size(); ++b) {
+            const int32_t result = tkEmployee(ordered[a]).compareText(tkEmployee(ordered[b]));
+            EXPECT_EQ((result > 0) - (result < 0), (a > b) - (a < b)) << a << " vs " << b;
+            EXPECT_EQ(tkEmployee(ordered[a]).compare(tkEmployee(ordered[b])), result);
+        }
     }
-    // Across fields compare throws the other value; compareText looks only at the texts.
+    EXPECT_TRUE(tkEmployee("ABC").isEqual(tkEmployee("abc")));
     const tkFeeCode feeCode("ABC");
     try {
         tkEmployee("ABC").compare(feeCode);
@@ -88,14 +62,12 @@ TEST(tkRecordItem, CompareTextIgnoresCaseAndOrdersByUnsignedBytesShorterFirst) {
     EXPECT_EQ(tkEmployee("ABC").compareText(feeCode), 0);
 }
 
-// A clone of a private code object is the list's shared object, not a copy.
+// A code made or cloned from a private code object is the list's shared object, not a copy.
 TEST(tkRecordItem, BillingCodesCreateAndCloneThroughTheKnownLists) {
     tkKnownRecordItems& known = tkKnownRecordItems::instance();
     const tkEmployee privateEmployee("abc");
     EXPECT_EQ(known.count("employee"), 0);
-    auto created = privateEmployee.create("xy");
-    EXPECT_EQ(created->toString(), "XY");
-    EXPECT_EQ(created, known.getOrAddEmployee("xy"));
+    EXPECT_EQ(privateEmployee.create("xy"), known.getOrAddEmployee("XY"));
     EXPECT_EQ(privateEmployee.clone(), known.getOrAddEmployee("ABC"));
     EXPECT_EQ(tkFeeCode("f1").clone(), known.getOrAddFeeCode("F1"));
     EXPECT_EQ(tkJobNumber("j-9").clone(), known.getOrAddJobNumber("J-9"));

@@ -13,6 +13,7 @@
 #include "foundation/tkTagParser.h"
 #include "records/tkDuration.h"
 #include "records/tkRecord.h"
+#include "tests/support/tkThrown.h"
 #include "tests/timers/tkTimersTestSupport.h"
 #include "timers/tkTimer.h"
 #include "timers/tkTimerController.h"
@@ -50,12 +51,10 @@ TEST(tkTimerArray, RemovalRenumbersAndShowsTheTimerThatFollowedTheFirstRemoved) 
         std::vector<uint32_t> removed;
         const char* left;
         uint32_t shown;
-    } cases[] = {
-        {3, {1}, "Timer 1|Timer 3", 1},
-        {4, {2, 3}, "Timer 1|Timer 2", 1},
-        {4, {2, 0}, "Timer 2|Timer 4", 0},
-        {5, {1, 3}, "Timer 1|Timer 3|Timer 5", 1},
-    };
+    } cases[] = {{3, {1}, "Timer 1|Timer 3", 1},
+                 {4, {2, 3}, "Timer 1|Timer 2", 1},
+                 {4, {2, 0}, "Timer 2|Timer 4", 0},
+                 {5, {1, 3}, "Timer 1|Timer 3|Timer 5", 1}};
     for (const auto& c : cases) {
         timers().removeAll();
         makeTimers(c.count);
@@ -81,12 +80,7 @@ TEST(tkTimerArray, RefusedRemovalsLoseNothing) {
         headlessUI()->selectRows(rows);
         timers().removeSelected(true);
     }
-    try {
-        timers().removeTimers({0, 5}, true);
-        FAIL() << "expected IndexOutOfBounds";
-    } catch (const tkException& e) {
-        EXPECT_EQ(e.name(), "IndexOutOfBounds");
-    }
+    EXPECT_THROW(timers().removeTimers({0, 5}, true), tkException);
     EXPECT_EQ(timers().numTimers(), 2u);
     EXPECT_EQ(tkTimeSheet::instance().rowCount(), 0u);
     EXPECT_FALSE(timers().isDirty());
@@ -116,24 +110,19 @@ TEST(tkTimerArray, AddingFirstTurnsEachRemovedTimerIntoAnEntry) {
     EXPECT_EQ(titles(), "Timer 2");
 }
 
+// Every timer shows in window 0, whatever its number; any other number out of range throws
+// IndexOutOfBounds with an empty message.
 TEST(tkTimerArray, OutOfRangeIndexesThrowIndexOutOfBoundsWithEmptyMessage) {
     makeTimers(1);
-    const std::vector<std::function<void()>> cases = {
-        [] { timers().controllerAt(1); },           [] { timers().timerAt(-1); },
-        [] { timers().setFrontMost(3); },           [] { timers().moveTimer(0, 1); },
-        [] { showTimerInWindow(4, false, false); },
-    };
-    for (size_t i = 0; i < cases.size(); ++i) {
-        try {
-            cases[i]();
-            ADD_FAILURE() << "case " << i << ": nothing thrown";
-        } catch (const tkException& e) {
-            EXPECT_EQ(e.name() + "|" + e.message(), "IndexOutOfBounds|") << "case " << i;
-        }
-    }
-    // Every timer shows in window 0, whatever its number.
     EXPECT_EQ(timers().windowForTimer(7), timers().windowForTimer(0));
     EXPECT_EQ(timers().numWindows(), 1u);
+    const std::function<void()> cases[] = {
+        [] { timers().controllerAt(1); },           [] { timers().timerAt(-1); },
+        [] { timers().setFrontMost(3); },           [] { timers().moveTimer(0, 1); },
+        [] { showTimerInWindow(4, false, false); }, [] { timers().removeTimers({0, 5}, true); }};
+    for (const auto& action : cases) {
+        EXPECT_EQ(thrown(action), "IndexOutOfBounds|");
+    }
 }
 
 // A new front number posts and dirties; another timer under the same number only moves the id,
@@ -173,14 +162,12 @@ TEST(tkTimerArray, SetFrontMostPostsByWhatChanged) {
 TEST(tkTimerArray, IsDirtySeesAnyTimerAndClearDirtyClearsAllSilently) {
     makeTimers(3);
     timers().clearDirty();
-    EXPECT_FALSE(timers().isDirty());
     timers().timerAt(2)->setDirty(true);
     EXPECT_TRUE(timers().isDirty());
     tkNotificationRecorder posts;
     posts.listen(kTimerBecameDirty);
     timers().clearDirty();
-    EXPECT_FALSE(timers().isDirty() || timers().timerAt(2)->isDirty());
-    EXPECT_TRUE(posts.empty());
+    EXPECT_FALSE(timers().isDirty() || timers().timerAt(2)->isDirty() || !posts.empty());
 }
 
 // The menu's order: by title bytes, equal titles by number; an unknown position is added
@@ -208,14 +195,6 @@ TEST(tkTimerArray, TitleOrderAndMovesKeepNumbersStraight) {
     EXPECT_EQ(posts.count(kTimerBecameDirty), 3);
 }
 
-TEST(tkTimerArray, DeletionListGivesTitleDashesDurationAndLineBreakPerTimer) {
-    makeTimers(2);
-    timers().timerAt(0)->setTitle("Design");
-    timers().timerAt(0)->setTime(tkDuration(3600));
-    EXPECT_EQ(timers().deletionList({0, 1}), "Design--01:00:00\nTimer 2--00:00:00\n");
-    EXPECT_EQ(timers().deletionList({}), "");
-}
-
 // Numbered timers, then the flags; a load replaces the timers, reads the flags with the
 // present values as defaults, and brings back running timers still running and clean.
 TEST(tkTimerArray, SavedTextLoadsBackWithRunningTimersStillRunning) {
@@ -228,12 +207,13 @@ TEST(tkTimerArray, SavedTextLoadsBackWithRunningTimersStillRunning) {
     timers().setDrawerOpen(false);
     clock.advance(10'000);
     const auto node = timers().toTag();
-    const char* names[] = {"timer 0",   "timer 1",          "timer 2",   "frontMostTimerNumber",
-                           "timerOpen", "globalDetailMode", "drawerOpen"};
-    ASSERT_EQ(node->childCount(), 7);
-    for (int i = 0; i < 7; ++i) {
-        EXPECT_EQ(node->childAt(i)->name(), names[i]) << "child " << i;
+    std::string names;
+    for (int32_t i = 0; i < node->childCount(); ++i) {
+        names += node->childAt(i)->name() + "|";
     }
+    EXPECT_EQ(names,
+              "timer 0|timer 1|timer 2|frontMostTimerNumber|timerOpen|globalDetailMode|"
+              "drawerOpen|");
     timers().removeAll();
     makeTimers(1);
     clock.advance(3'600'000);
@@ -256,43 +236,33 @@ TEST(tkTimerArray, SavedTextLoadsBackWithRunningTimersStillRunning) {
     EXPECT_FALSE(timers().toTag()->hasChild("cl_id"));
 }
 
-// Which timer a file brings to front, in both generations of the file.
+// Which timer a file brings to front, in both generations of the file: the old one names every
+// timer "timer" and counts the front one from 1, wrapped so that the lowest number lands out of
+// range; the front number beats the id of the front timer, which beats nothing.
 TEST(tkTimerArray, FrontTimerOfEachFileGeneration) {
+    const auto front = [](const std::string& n) {
+        return "<frontMostTimerNumber>" + n + "</frontMostTimerNumber>";
+    };
     const struct {
-        const char* what;
-        std::string body;
+        bool old;
+        std::string keys;
         int32_t storedFront;  // the field after the load
         bool shownAtLoad;     // whether the load itself showed that timer
-    } cases[] = {
-        {"old names count from 1",
-         timerElement("timer", "a") + timerElement("timer", "b") +
-             "<frontMostTimerNumber>2</frontMostTimerNumber>",
-         1, true},
-        {"new names count from 0",
-         timerElement("timer 0", "a") + timerElement("timer 1", "b") +
-             "<frontMostTimerNumber>2</frontMostTimerNumber>",
-         2, false},
-        {"cl_id alone",
-         timerElement("timer 0", "a", "p") + timerElement("timer 1", "b", "q") + "<cl_id>q</cl_id>",
-         1, true},
-        {"frontMostTimerNumber beats cl_id",
-         timerElement("timer 0", "a", "p") + timerElement("timer 1", "b", "q") +
-             "<cl_id>q</cl_id><frontMostTimerNumber>0</frontMostTimerNumber>",
-         0, true},
-        {"no key at all", timerElement("timer 0", "a") + timerElement("timer 1", "b"), 0, true},
-        {"old count from 1 at the lowest number wraps out of range",
-         timerElement("timer", "a") + timerElement("timer", "b") +
-             "<frontMostTimerNumber>-2147483648</frontMostTimerNumber>",
-         2147483647, false},
-    };
+    } cases[] = {{true, front("2"), 1, true},
+                 {false, front("2"), 2, false},
+                 {false, "<cl_id>q</cl_id>", 1, true},
+                 {false, "<cl_id>q</cl_id>" + front("0"), 0, true},
+                 {false, "", 0, true},
+                 {true, front("-2147483648"), 2147483647, false}};
     for (const auto& c : cases) {
-        load(c.body);
-        ASSERT_EQ(timers().numTimers(), 2u) << c.what;
-        EXPECT_EQ(timers().toTag()->childLong("frontMostTimerNumber", -9), c.storedFront) << c.what;
+        load(timerElement(c.old ? "timer" : "timer 0", "a", "p") +
+             timerElement(c.old ? "timer" : "timer 1", "b", "q") + c.keys);
+        ASSERT_EQ(timers().numTimers(), 2u) << c.keys;
+        EXPECT_EQ(timers().toTag()->childLong("frontMostTimerNumber", -9), c.storedFront) << c.keys;
         if (c.shownAtLoad) {
-            EXPECT_EQ(shownNumber(), static_cast<uint32_t>(c.storedFront)) << c.what;
+            EXPECT_EQ(shownNumber(), static_cast<uint32_t>(c.storedFront)) << c.keys;
         } else {
-            EXPECT_EQ(timers().getFrontMost(), 1) << c.what << ": clamped on the next ask";
+            EXPECT_EQ(timers().getFrontMost(), 1) << c.keys << ": clamped on the next ask";
         }
     }
 }

@@ -11,7 +11,6 @@
 #include "timers/tkHeadlessRefreshTicker.h"
 #include "timers/tkRefreshTicker.h"
 #include "timers/tkTimer.h"
-#include "timers/tkTimerController.h"
 #include "timers/tkTimerControllerTarget.h"
 #include "timers/tkTimerSettings.h"
 #include "timers/tkTimerWindowFactory.h"
@@ -34,51 +33,42 @@ TEST(tkTimerControl, NewTimersAreTitledByCountAndShownForEditing) {
         return std::make_unique<tkHeadlessTimerWindow>(number);
     });
     makeTimers(1);
-    EXPECT_EQ(asked, (std::vector<std::pair<uint32_t, bool>>{{0, true}}));
     tkHeadlessTimerUI* ui = headlessUI();
     EXPECT_EQ(ui->getTimerController(), timers().controllerAt(0));
-    EXPECT_EQ(ui->getDisplayedTitle(), "Timer 1");
-    EXPECT_EQ(ui->displayedTime(), "00:00:00");
-    EXPECT_TRUE(ui->isDrawerShown() && ui->isEditingTitle());
+    EXPECT_EQ(ui->getDisplayedTitle() + " " + ui->displayedTime(), "Timer 1 00:00:00");
+    EXPECT_TRUE(ui->isDrawerShown() && ui->isEditingTitle() && timers().timerAt(0)->isDirty());
     EXPECT_EQ(ui->selectedRows(), (std::vector<uint32_t>{0}));
     EXPECT_EQ(headlessWindow()->timesBroughtToFront(), 1u);
-    EXPECT_TRUE(timers().timerAt(0)->isDirty());
-
     makeTimers(9);
-    EXPECT_EQ(timers().timerAt(9)->getTitle(), "Timer 10");
     timers().removeTimers({1}, false);
     makeTimers(1);
-    EXPECT_EQ(timers().timerAt(8)->getTitle(), "Timer 10");
-    EXPECT_EQ(timers().timerAt(9)->getTitle(), "Timer 10");
+    EXPECT_EQ(timers().timerAt(8)->getTitle() + "|" + timers().timerAt(9)->getTitle(),
+              "Timer 10|Timer 10");
     EXPECT_EQ(shownNumber(), 9u);
-    EXPECT_EQ(asked.size(), 1u);
-    EXPECT_EQ(timers().numWindows(), 1u);
+    EXPECT_EQ(asked, (std::vector<std::pair<uint32_t, bool>>{{0, true}}));
     setTimerWindowFactory({});
 }
 
-TEST(tkTimerControl, NextAndPreviousWrapAtBothEnds) {
+// Next and previous wrap at both ends; a menu item shows its timer by its present number and
+// raises the window.
+TEST(tkTimerControl, NavigationWrapsAndFollowsRenumbering) {
     const struct {
         int count;
         uint32_t from;
         bool next;
         uint32_t to;
-    } cases[] = {
-        {3, 0, false, 2}, {3, 2, true, 0}, {3, 1, true, 2},
-        {3, 1, false, 0}, {1, 0, true, 0}, {1, 0, false, 0},
-    };
+    } cases[] = {{3, 0, false, 2}, {3, 2, true, 0}, {3, 1, true, 2},
+                 {3, 1, false, 0}, {1, 0, true, 0}, {1, 0, false, 0}};
     for (const auto& c : cases) {
         timers().removeAll();
         makeTimers(c.count);
         showTimerInWindow(static_cast<int32_t>(c.from), false, false);
         c.next ? headlessUI()->nextTimer() : headlessUI()->previousTimer();
         EXPECT_EQ(shownNumber(), c.to)
-            << c.count << " timers, " << (c.next ? "next" : "previous") << " from " << c.from;
+            << c.count << (c.next ? " next from " : " previous from ") << c.from;
         EXPECT_EQ(timers().getFrontMost(), static_cast<int32_t>(c.to));
     }
-}
-
-TEST(tkTimerControl, MenuTargetShowsItsTimerByPresentNumberAndRaisesTheWindow) {
-    makeTimers(3);
+    makeTimers(2);  // timers 1 to 3 now
     tkTimerControllerTarget* target = timers().controllerAt(2)->getTargetWrapper();
     timers().removeTimers({0}, false);
     showTimerInWindow(0, false, false);
@@ -90,7 +80,7 @@ TEST(tkTimerControl, MenuTargetShowsItsTimerByPresentNumberAndRaisesTheWindow) {
 }
 
 // A change of any timer redraws the list; only the shown one redraws the fields, once, however
-// often it was shown.
+// often it was shown. Renumbering a window with no timer shown must say so.
 TEST(tkTimerControl, AChangeRedrawsTheListAndOnlyTheShownTimersFields) {
     makeTimers(3);
     showTimerInWindow(1, false, false);
@@ -101,14 +91,10 @@ TEST(tkTimerControl, AChangeRedrawsTheListAndOnlyTheShownTimersFields) {
     const uint32_t lists = ui->drawerRefreshes();
     const uint32_t fields = ui->timerChanges();
     timers().timerAt(1)->setTitle("hidden");
-    EXPECT_EQ(ui->drawerRefreshes(), lists + 1);
-    EXPECT_EQ(ui->timerChanges(), fields);
     timers().timerAt(2)->setTitle("shown");
     EXPECT_EQ(ui->drawerRefreshes(), lists + 2);
     EXPECT_EQ(ui->timerChanges(), fields + 1);
     EXPECT_EQ(ui->getDisplayedTitle(), "shown");
-
-    // Renumbering a window with no timer shown yet must say so on the error stream.
     tkHeadlessTimerWindow window(0);
     testing::internal::CaptureStderr();
     window.setNumber(3);
@@ -116,8 +102,8 @@ TEST(tkTimerControl, AChangeRedrawsTheListAndOnlyTheShownTimersFields) {
 }
 
 // One ticker of 0.5 s, fired at once, from the first start (or a load of a running timer) to
-// the next stop that finds none running; a Clear doesn't look at it. Ticks move the shown
-// time and never post.
+// the next stop that finds none running; a Clear doesn't look at it. Ticks move the shown time
+// and never post.
 TEST(tkTimerControl, TheTickerLivesWhileAStartOrLoadFoundATimerRunning) {
     tkTestClock clock;
     int made = 0;
@@ -137,7 +123,6 @@ TEST(tkTimerControl, TheTickerLivesWhileAStartOrLoadFoundATimerRunning) {
     headlessUI()->startStopTimer();
     EXPECT_EQ(made, 1) << "a second running timer shares the ticker";
     EXPECT_TRUE(tickerRuns()) << "timer 1 still runs";
-
     showTimerInWindow(1, false, false);
     tkNotificationRecorder posts;
     posts.listen(kTimerBecameDirty);
@@ -145,13 +130,11 @@ TEST(tkTimerControl, TheTickerLivesWhileAStartOrLoadFoundATimerRunning) {
     currentRefreshTicker()->fire();
     EXPECT_EQ(headlessUI()->displayedTime(), "00:00:03");
     EXPECT_TRUE(posts.empty());
-
     headlessUI()->clearTimer();
     EXPECT_TRUE(tickerRuns()) << "clear doesn't look at the ticker";
     headlessUI()->startStopTimer();
     headlessUI()->startStopTimer();
     EXPECT_FALSE(tickerRuns());
-
     timers().fromTag(*tkTagParser().parse(
         "<timerArray><timer 0><started>true</started><startTime>" +
         std::to_string(clock.now() - 2000) + "</startTime></timer 0></timerArray>"));
@@ -161,16 +144,18 @@ TEST(tkTimerControl, TheTickerLivesWhileAStartOrLoadFoundATimerRunning) {
 }
 
 // Start/stop and Clear save the timers themselves and show the new state; an edit of the time
-// stops the timer at the parsed time.
+// stops the timer at the parsed time; an edit of the record replaces it with one of interned
+// codes (an empty code adds none) and refreshes the fields from it; a detail mode change is
+// stored only when it changes something.
 TEST(tkTimerControl, CommandsSaveAndShowTheirState) {
     tkTestClock clock;
     int saves = 0;
     setTimersSaver([&saves] { ++saves; });
     makeTimers(1);
     tkHeadlessTimerUI* ui = headlessUI();
+    tkTimer* timer = timers().timerAt(0);
     ui->startStopTimer();
     EXPECT_TRUE(ui->isRunningShown());
-    EXPECT_EQ(saves, 1);
     clock.advance(4000);
     ui->clearTimer();
     EXPECT_FALSE(ui->isRunningShown());
@@ -180,40 +165,31 @@ TEST(tkTimerControl, CommandsSaveAndShowTheirState) {
 
     ui->startStopTimer();
     tkNotificationRecorder posts;
-    posts.listen(kTimerBecameDirty, timers().timerAt(0));
+    posts.listen(kTimerBecameDirty, timer);
     ui->timeEdited("1:30");
-    EXPECT_FALSE(timers().timerAt(0)->isRunning());
-    EXPECT_EQ(timers().timerAt(0)->getPriorRunningTime(), 5'400'000);
-    EXPECT_EQ(posts.count(kTimerBecameDirty), 2);
+    EXPECT_FALSE(timer->isRunning());
+    EXPECT_EQ(timer->getPriorRunningTime(), 5'400'000);
     EXPECT_EQ(ui->displayedTime(), "01:30:00");
-}
 
-// The record is replaced with one of interned codes (an empty code adds none) and the fields
-// are refreshed from it; a detail mode change is stored only when it changes something.
-TEST(tkTimerControl, EditsReplaceTheRecordAndStoreTheDetailMode) {
-    makeTimers(1);
-    tkTimer* timer = timers().timerAt(0);
     const auto before = timer->getRecord();
-    tkHeadlessTimerUI* ui = headlessUI();
     ui->setEmployee("ann");
     ui->setFeeCode("f1");
     ui->setJobNumber("");
     ui->setDescription("drafting");
-    tkNotificationRecorder posts;
-    posts.listen(kTimerBecameDirty, timer);
-    posts.listen(kTimerBecameDirty, &timers());
-    const int32_t jobNumbersBefore = tkKnownRecordItems::instance().count("job number");
+    const int32_t jobNumbers = tkKnownRecordItems::instance().count("job number");
     ui->recordEdited();
-    const auto after = timer->getRecord();
-    EXPECT_NE(after, before);
-    EXPECT_EQ(after->employee(), tkKnownRecordItems::instance().getOrAddEmployee("ANN"));
-    EXPECT_EQ(after->jobNumber()->toString() + "|" + after->feeCode()->toString() + "|" +
-                  after->description()->toString(),
+    EXPECT_EQ(posts.count(kTimerBecameDirty), 3);
+    EXPECT_NE(timer->getRecord(), before);
+    EXPECT_EQ(timer->getRecord()->employee(),
+              tkKnownRecordItems::instance().getOrAddEmployee("ANN"));
+    const auto& after = *timer->getRecord();
+    EXPECT_EQ(after.jobNumber()->text() + "|" + after.feeCode()->text() + "|" +
+                  after.description()->text(),
               "|F1|drafting");
-    EXPECT_EQ(tkKnownRecordItems::instance().count("job number"), jobNumbersBefore);
-    EXPECT_EQ(posts.count(kTimerBecameDirty, timer), 1);
+    EXPECT_EQ(tkKnownRecordItems::instance().count("job number"), jobNumbers);
     EXPECT_EQ(ui->getEmployee(), "ANN") << "the fields are refreshed from the new record";
 
+    posts.listen(kTimerBecameDirty, &timers());
     posts.clear();
     ui->setDetailMode(true);
     ui->setDetailMode(true);
@@ -225,14 +201,15 @@ TEST(tkTimerControl, EditsReplaceTheRecordAndStoreTheDetailMode) {
 
 TEST(tkTimerControl, TheDeletionQuestionListsTheTimersAndTheAnswerReadsTheSelectionAnew) {
     makeTimers(3);
+    timers().timerAt(0)->setTime(tkDuration(3600));
     headlessWindow()->confirmDelete({});
     EXPECT_EQ(headlessUI()->deletionDialogText(), "");
     headlessWindow()->confirmDelete({0, 2});
     EXPECT_EQ(headlessUI()->deletionDialogText(),
-              "The following timers will be deleted:\nTimer 1--00:00:00\nTimer 3--00:00:00\n");
+              "The following timers will be deleted:\nTimer 1--01:00:00\nTimer 3--00:00:00\n");
     headlessUI()->selectRows({1});
     headlessUI()->deleteWithoutAdding();
     EXPECT_EQ(headlessUI()->deletionDialogText(), "");
-    ASSERT_EQ(timers().numTimers(), 2u);
+    EXPECT_EQ(timers().numTimers(), 2u);
     EXPECT_EQ(timers().timerAt(1)->getTitle(), "Timer 3");
 }

@@ -9,6 +9,7 @@
 #include "records/tkDate.h"
 #include "records/tkDuration.h"
 #include "records/tkRecord.h"
+#include "records/tkRecordText.h"
 #include "tests/timers/tkTimersTestSupport.h"
 #include "timers/tkTimer.h"
 #include "timesheet/tkTimeSheet.h"
@@ -19,8 +20,17 @@ int32_t shownSeconds(const tkTimer& timer) {
     return timer.getDuration()->totalSeconds();
 }
 
-// One timer read from a timer element of the timers file, with the record the writer always
-// puts in.
+// What a timer holds, in one line: title, id, then "R" running, "D" dirty, "d" detail mode,
+// then the shown seconds, the collected and the start milliseconds.
+std::string state(const tkTimer& timer) {
+    return timer.getTitle() + "|" + timer.getID() + "|" + (timer.isRunning() ? "R" : "") +
+           (timer.isDirty() ? "D" : "") + (timer.getDetailMode() ? "d" : "") + "|" +
+           std::to_string(shownSeconds(timer)) + " " + std::to_string(timer.getPriorRunningTime()) +
+           " " + std::to_string(timer.getStartTime());
+}
+
+// A timer read from a timer element of the timers file, with the record the writer always puts
+// in.
 void load(tkTimer& timer, const std::string& children) {
     timer.fromTag(*tkTagParser().parse(
         "<timer>" + children +
@@ -31,30 +41,16 @@ void load(tkTimer& timer, const std::string& children) {
 
 }  // namespace
 
-TEST(tkTimer, NewTimerIsStoppedAtZeroCleanAndTitled) {
-    tkTestClock clock;
-    tkNotificationRecorder posts;
-    posts.listen(kTimerBecameDirty);
-    tkTimer timer;
-    EXPECT_EQ(timer.getTitle(), "Timer");
-    EXPECT_EQ(shownSeconds(timer), 0);
-    EXPECT_FALSE(timer.isRunning() || timer.isDirty());
-    EXPECT_TRUE(timer.getDetailMode());
-    EXPECT_EQ(timer.getID(), "");
-    ASSERT_NE(timer.getRecord(), nullptr);
-    EXPECT_TRUE(posts.empty());
-}
-
-// The collected and the running part are truncated separately, then added; the collected part
-// keeps full milliseconds, and reading the time changes nothing.
+// A new timer is stopped at zero, clean and titled. The collected and the running part are
+// truncated separately, then added; the collected part keeps full milliseconds, and reading the
+// time changes nothing.
 TEST(tkTimer, TruncatesCollectedAndRunningPartsSeparately) {
+    EXPECT_EQ(state(tkTimer()), "Timer||d|0 0 0");
     const struct {
         int64_t collected, running;
         int32_t seconds;
-    } cases[] = {
-        {1600, 1600, 2}, {999, 999, 0},        {0, 0, 0}, {1000, 0, 1}, {0, 59999, 59},
-        {2500, 500, 2},  {3'600'000, 1, 3600},
-    };
+    } cases[] = {{1600, 1600, 2}, {999, 999, 0},  {0, 0, 0},           {1000, 0, 1},
+                 {0, 59999, 59},  {2500, 500, 2}, {3'600'000, 1, 3600}};
     for (const auto& c : cases) {
         tkTestClock clock;
         tkTimer timer;
@@ -74,7 +70,7 @@ TEST(tkTimer, TruncatesCollectedAndRunningPartsSeparately) {
 }
 
 // Each operation: how many "Timer became dirty." it posts and whether it leaves the dirty flag
-// set and the timer running.
+// set and the timer running. An edit of the time stops a running timer at exact whole seconds.
 TEST(tkTimer, EachOperationPostsAsOftenAsItChangesState) {
     const struct {
         const char* what;
@@ -114,15 +110,12 @@ TEST(tkTimer, EachOperationPostsAsOftenAsItChangesState) {
         EXPECT_EQ(posts.count(kTimerBecameDirty), c.posts) << c.what;
         EXPECT_EQ(timer.isDirty(), c.dirty) << c.what;
         EXPECT_EQ(timer.isRunning(), c.runningAfter) << c.what;
+        if (std::string(c.what) == "setTime running") {
+            clock.advance(10'000);
+            EXPECT_EQ(timer.getPriorRunningTime(), 3'600'000);
+            EXPECT_EQ(shownSeconds(timer), 3600);
+        }
     }
-    tkTestClock clock;
-    tkTimer timer;
-    timer.start();
-    clock.advance(1234);
-    timer.setTime(tkDuration(3600));
-    clock.advance(10'000);
-    EXPECT_EQ(timer.getPriorRunningTime(), 3'600'000) << "exact whole seconds, and stopped";
-    EXPECT_EQ(shownSeconds(timer), 3600);
 }
 
 // The sheet gets a copy dated today; the timer resets but keeps its title and record, which
@@ -136,24 +129,20 @@ TEST(tkTimer, AddingToTheTimeSheetMakesAnEntryOfItsSecondsDatedToday) {
     timer.start();
     clock.advance(90'500);
     timer.addToTimeSheet();
+    const std::string today = tkDate::today()->toString();
+    EXPECT_EQ(toTabLine(*record), today + "\t00:01:30\tANN\tJ-7\tFEE\tdrawings");
     timer.addToTimeSheet();
-
     auto& sheet = tkTimeSheet::instance();
     ASSERT_EQ(sheet.rowCount(), 2u);
-    const auto entry = sheet.recordAtRow(0);
-    EXPECT_NE(entry, record) << "the sheet gets a copy, not the timer's record";
-    EXPECT_EQ(entry->duration()->totalSeconds() + sheet.recordAtRow(1)->duration()->totalSeconds(),
-              90);
-    EXPECT_EQ(entry->date()->toString(), tkDate::today()->toString());
-    EXPECT_EQ(entry->employee()->toString(), "ANN");
-    EXPECT_EQ(entry->description()->toString(), "drawings");
-    EXPECT_EQ(shownSeconds(timer), 0);
-    EXPECT_EQ(timer.getTitle(), "Design");
+    EXPECT_NE(sheet.recordAtRow(0), record) << "the sheet gets a copy, not the timer's record";
+    EXPECT_EQ(toTabLine(*sheet.recordAtRow(0)), today + "\t00:01:30\tANN\tJ-7\tFEE\tdrawings");
+    EXPECT_EQ(sheet.recordAtRow(1)->duration()->totalSeconds(), 0);
+    EXPECT_EQ(state(timer), "Design||Dd|0 0 0");
     EXPECT_EQ(timer.getRecord(), record);
-    EXPECT_EQ(record->duration()->totalSeconds(), 0);
-    EXPECT_EQ(record->jobNumber()->toString(), "J-7");
 }
 
+// The written form has its children in a fixed order and no old time basis; what it writes
+// reads back to the same timer and the same text.
 TEST(tkTimer, TaggedFormRoundTripsAndWritesNoTimeBasis) {
     tkTestClock clock;
     tkTimer first;
@@ -162,22 +151,16 @@ TEST(tkTimer, TaggedFormRoundTripsAndWritesNoTimeBasis) {
          "<priorRunningTime>7777</priorRunningTime><detailMode>false</detailMode>"
          "<started>false</started><id>abc-1</id>");
     const auto written = first.toTag();
-    EXPECT_EQ(written->name(), "timer");
-    const char* order[] = {"title", "startTime", "priorRunningTime", "detailMode", "started",
-                           "id",    "record"};
-    ASSERT_EQ(written->childCount(), 7);
-    for (int i = 0; i < 7; ++i) {
-        EXPECT_EQ(written->childAt(i)->name(), order[i]) << "child " << i;
+    std::string names = written->name();
+    for (int32_t i = 0; i < written->childCount(); ++i) {
+        names += " " + written->childAt(i)->name();
     }
+    EXPECT_EQ(names, "timer title startTime priorRunningTime detailMode started id record");
     tkTimer second;
     second.fromTag(*tkTagParser().parse(written->toText(0)));
     EXPECT_EQ(second.toTag()->toText(0), written->toText(0));
-    EXPECT_EQ(second.getTitle(), "Design & build");
-    EXPECT_EQ(second.getStartTime(), 123456);
-    EXPECT_EQ(second.getPriorRunningTime(), 7777);
-    EXPECT_FALSE(second.getDetailMode() || second.isRunning());
-    EXPECT_EQ(second.getID(), "abc-1");
-    EXPECT_EQ(second.getRecord()->employee()->toString(), "ANN");
+    EXPECT_EQ(state(second), "Design & build|abc-1||7 7777 123456");
+    EXPECT_EQ(toTabLine(*second.getRecord()), "1/3/5\t00:00:00\tANN\tJ1\tF\td");
 }
 
 // What a file says is taken as it stands: a running timer counts the time since, clean and
@@ -185,42 +168,31 @@ TEST(tkTimer, TaggedFormRoundTripsAndWritesNoTimeBasis) {
 // missing or unreadable values are the defaults; absurd times wrap rather than overflow.
 TEST(tkTimer, ReadingAFileTakesItsTimesAsTheyStand) {
     tkTestClock clock(1'000'000'000);
-    const struct {
-        std::string children;
-        bool running;
-        int64_t startTime, prior;
-        int32_t seconds;
-    } cases[] = {
-        {"<startTime>" + std::to_string(1'000'000'000 - 3'600'000) +
-             "</startTime><priorRunningTime>60000</priorRunningTime><started>true</started>",
-         true, 1'000'000'000 - 3'600'000, 60000, 3660},
+    const std::pair<std::string, std::string> cases[] = {
+        {"<startTime>996400000</startTime><priorRunningTime>60000</priorRunningTime>"
+         "<started>true</started>",
+         "Timer||Rd|3660 60000 996400000"},
         {"<started>false</started><timeBasis>5000</timeBasis><priorRunningTime>9</"
          "priorRunningTime>",
-         false, 0, 5000, 5},
+         "Timer||d|5 5000 0"},
         {"<started>true</started><timeBasis>999995000</timeBasis><priorRunningTime>9</"
          "priorRunningTime>",
-         true, 999'995'000, 0, 5},
+         "Timer||Rd|5 0 999995000"},
         {"<startTime>abc</startTime><priorRunningTime></priorRunningTime><started>TRUE</started>"
          "<detailMode>no</detailMode>",
-         false, 0, 0, 0},
+         "Timer||d|0 0 0"},
         {"<started>true</started><startTime>-9223372036854775808</startTime>"
          "<priorRunningTime>9223372036854775807</priorRunningTime>",
-         true, INT64_MIN, INT64_MAX, 1'000'000},
+         "Timer||Rd|1000000 9223372036854775807 -9223372036854775808"},
     };
-    for (const auto& c : cases) {
-        tkNotificationRecorder posts;
-        posts.listen(kTimerBecameDirty);
+    for (const auto& [children, expected] : cases) {
         tkTimer timer;
         timer.setTitle("Before");
         timer.setDirty(false);
-        load(timer, c.children);
-        EXPECT_EQ(timer.isRunning(), c.running) << c.children;
-        EXPECT_EQ(timer.getStartTime(), c.startTime) << c.children;
-        EXPECT_EQ(timer.getPriorRunningTime(), c.prior) << c.children;
-        EXPECT_EQ(shownSeconds(timer), c.seconds) << c.children;
-        EXPECT_EQ(timer.getTitle(), "Timer") << c.children;
-        EXPECT_TRUE(timer.getDetailMode()) << c.children;
-        EXPECT_FALSE(timer.isDirty()) << c.children;
-        EXPECT_EQ(posts.count(kTimerBecameDirty), 1) << "only the title set before";
+        tkNotificationRecorder posts;
+        posts.listen(kTimerBecameDirty);
+        load(timer, children);
+        EXPECT_EQ(state(timer), expected) << children;
+        EXPECT_TRUE(posts.empty()) << children;
     }
 }
