@@ -19,164 +19,142 @@
 
 namespace {
 
-// Every test runs in its own process, so the singleton is built here, after the temporary
-// home and the user's name are in place.
+// Every test runs in its own process, so the singleton is built here, after the temporary home
+// and the user's name are in place.
 class tkPreferencesTest : public ::testing::Test {
   protected:
     void SetUp() override { recorder.listen(kPreferencesChanged); }
     void TearDown() override { setUserInfoSource(nullptr, nullptr); }
-
     static tkPreferences& make() {
         setUserInfoSource([] { return std::string("Ada M. Lovelace"); }, nullptr);
         tkFileManager::install(std::make_unique<tkFileManagerPosix>());
         return tkPreferences::instance();
     }
+    // The flags as letters (Single window, sheet Open, World writable, Dirty), the sort key and
+    // the sheet's file, relative to the home.
+    std::string state() const {
+        return std::string(p.isSingleWindowMode() ? "S" : "") + (p.isTimeSheetOpen() ? "O" : "") +
+               (p.isTimeSheetWorldWritable() ? "W" : "") + (p.isDirty() ? "D" : "") + " " +
+               p.sortBy() + " " + p.timeSheetFile().substr(home.root().size());
+    }
 
     tkTempHome home;
     tkNotificationRecorder recorder;
-    tkPreferences& preferences = make();
+    tkPreferences& p = make();
 };
 
 // The flags post only when they change, except the time sheet's open flag, which always did;
 // changes of the default record, the sort order and the billing codes live in this file too.
 TEST_F(tkPreferencesTest, ChangesMarkItDirtyAndPostAsEachPromises) {
     EXPECT_TRUE(recorder.empty()) << "building the object must not post";
-    EXPECT_EQ(preferences.timeSheetFile(),
-              home.supportFolder() + "/Ada M. Lovelace's Time Sheet.txt");
-    const struct {
-        const char* what;
-        void (*apply)(tkPreferences&);
-        int posts;
-    } cases[] = {
-        {"single window, unchanged", [](tkPreferences& p) { p.setSingleWindowMode(true); }, 0},
-        {"single window", [](tkPreferences& p) { p.setSingleWindowMode(false); }, 1},
-        {"world writable, unchanged", [](tkPreferences& p) { p.setTimeSheetWorldWritable(true); },
-         0},
-        {"world writable", [](tkPreferences& p) { p.setTimeSheetWorldWritable(false); }, 1},
-        {"sheet open, unchanged", [](tkPreferences& p) { p.setTimeSheetOpen(true); }, 1},
-        {"clean", [](tkPreferences& p) { p.setDirty(false); }, 0},
-        {"dirty twice",
-         [](tkPreferences& p) {
-             p.setDirty(true);
-             p.setDirty(true);
-         },
-         2},
-        {"sheet file", [](tkPreferences& p) { p.setTimeSheetFile("/elsewhere/s.txt", false); }, 1},
-        {"default record", [](tkPreferences&) { setDefaultField(kFieldDescription, "x"); }, 1},
-        {"sort order",
-         [](tkPreferences&) {
+    EXPECT_EQ(state(), "SOW  /data/Tekamo/Ada M. Lovelace's Time Sheet.txt");
+    const std::pair<void (*)(tkPreferences&), int> cases[] = {
+        {[](tkPreferences& p) { p.setSingleWindowMode(true); }, 0},
+        {[](tkPreferences& p) { p.setSingleWindowMode(false); }, 1},
+        {[](tkPreferences& p) { p.setTimeSheetWorldWritable(true); }, 0},
+        {[](tkPreferences& p) { p.setTimeSheetWorldWritable(false); }, 1},
+        {[](tkPreferences& p) { p.setTimeSheetOpen(true); }, 1},
+        {[](tkPreferences& p) { p.setDirty(false); }, 0},
+        {[](tkPreferences& p) { p.setDirty(true), p.setDirty(true); }, 2},
+        {[](tkPreferences& p) { p.setTimeSheetFile(p.timeSheetFile() + "2", false); }, 1},
+        {[](tkPreferences&) { setDefaultField(kFieldDescription, "x"); }, 1},
+        {[](tkPreferences&) {
              tkNotificationCenter::instance().postNotification(
                  tkNotification(kTimeSheetSortByChanged, &tkTimeSheet::instance(), 0));
          },
          1},
-        {"new code", [](tkPreferences&) { tkKnownRecordItems::instance().getOrAddEmployee("n"); },
-         -1},
-    };
-    for (const auto& c : cases) {
-        preferences.setDirty(false);
+        {[](tkPreferences&) { tkKnownRecordItems::instance().getOrAddEmployee("n"); }, -1}};
+    for (size_t i = 0; i < std::size(cases); ++i) {
+        p.setDirty(false);
         recorder.clear();
-        c.apply(preferences);
-        if (c.posts >= 0) {
-            EXPECT_EQ(recorder.count(kPreferencesChanged, &preferences), c.posts) << c.what;
+        cases[i].first(p);
+        if (cases[i].second >= 0) {
+            EXPECT_EQ(recorder.count(kPreferencesChanged, &p), cases[i].second) << "case " << i;
         }
-        EXPECT_EQ(preferences.isDirty(), c.posts != 0) << c.what;
+        EXPECT_EQ(p.isDirty(), cases[i].second != 0) << "case " << i;
     }
-    EXPECT_FALSE(preferences.isSingleWindowMode() || preferences.isTimeSheetWorldWritable());
-    EXPECT_EQ(preferences.timeSheetFile(), "/elsewhere/s.txt");
+    EXPECT_EQ(state(), "OD  /data/Tekamo/Ada M. Lovelace's Time Sheet.txt2");
 }
 
 // A move that works names the new place; one that fails changes nothing, not even the file in
 // the way. A reset moves the sheet back and restores every default, to be saved.
 TEST_F(tkPreferencesTest, MovingTheSheetChangesTheNameOnlyWhenTheFileMoved) {
-    const std::string original = preferences.timeSheetFile();
+    const std::string original = p.timeSheetFile();
     home.writeText(original, "rows\n");
     home.writeText("taken.txt", "other");
     testing::internal::CaptureStderr();
-    EXPECT_FALSE(preferences.setSaveLocation(home.path("taken.txt")));
+    EXPECT_FALSE(p.setSaveLocation(home.path("taken.txt")));
     testing::internal::GetCapturedStderr();
-    EXPECT_EQ(preferences.timeSheetFile(), original);
-    EXPECT_FALSE(preferences.isDirty());
+    EXPECT_EQ(state(), "SOW  /data/Tekamo/Ada M. Lovelace's Time Sheet.txt");
     EXPECT_TRUE(recorder.empty());
     EXPECT_EQ(home.readText("taken.txt"), "other");
-
-    EXPECT_TRUE(preferences.setSaveLocation(home.path("away.txt")));
-    EXPECT_EQ(preferences.timeSheetFile(), home.path("away.txt"));
+    EXPECT_TRUE(p.setSaveLocation(home.path("away.txt")));
     EXPECT_EQ(home.readText("away.txt"), "rows\n");
-    preferences.setSingleWindowMode(false);
-    preferences.setTimeSheetOpen(false);
-    preferences.setTimeSheetWorldWritable(false);
-    preferences.setDirty(false);
-    EXPECT_TRUE(preferences.resetSaveLocation());
-    EXPECT_EQ(preferences.timeSheetFile(), original);
+    p.setSingleWindowMode(false);
+    p.setTimeSheetOpen(false);
+    p.setTimeSheetWorldWritable(false);
+    EXPECT_EQ(state(), "D  /away.txt");
+    p.setDirty(false);
+    EXPECT_TRUE(p.resetSaveLocation());
+    EXPECT_EQ(state(), "SOWD  /data/Tekamo/Ada M. Lovelace's Time Sheet.txt");
     EXPECT_EQ(home.readText(original), "rows\n");
     EXPECT_FALSE(home.exists("away.txt"));
-    EXPECT_TRUE(preferences.isSingleWindowMode() && preferences.isTimeSheetOpen() &&
-                preferences.isTimeSheetWorldWritable());
-    EXPECT_TRUE(preferences.isDirty());
 }
 
-// The writer keeps its spellings and the duplicate of earlier versions, and what it writes
-// reads back to the same values and the same text.
+// The writer keeps its spellings and the duplicate of earlier versions, and what it writes reads
+// back to the same values and the same text.
 TEST_F(tkPreferencesTest, TaggedFormKeepsItsSpellingsAndReadsBack) {
-    preferences.setSingleWindowMode(false);
-    preferences.setTimeSheetOpen(false);
-    preferences.setTimeSheetFile("/x/sheet.txt", false);
+    p.setSingleWindowMode(false);
+    p.setTimeSheetOpen(false);
+    p.setTimeSheetFile(home.path("x/sheet.txt"), false);
     setDefaultField(kFieldDescription, "carried");
-    const std::unique_ptr<tkTagNode> node = preferences.toTag();
-    std::string children;
+    const std::unique_ptr<tkTagNode> node = p.toTag();
+    std::string children = node->name() + ":";
     for (int32_t i = 0; i < node->childCount(); ++i) {
         children += node->childAt(i)->name() + "=" + node->childAt(i)->text() + ";";
     }
-    EXPECT_EQ(node->name() + ":" + children,
-              "tkPreferences:singleWindowMode=false;timesheetOpen=false;singleWindowMode=false;"
-              "sortBy=date;timesheetWorldWritable=true;timeSheetFile=/x/sheet.txt;"
-              "tkKnownRecordItems=;record=;");
+    EXPECT_EQ(children,
+              "tkPreferences:singleWindowMode=false;timesheetOpen=false;"
+              "singleWindowMode=false;sortBy=date;timesheetWorldWritable=true;"
+              "timeSheetFile=" +
+                  home.path("x/sheet.txt") + ";tkKnownRecordItems=;record=;");
     const std::string text = node->toText(0);
-    preferences.setSingleWindowMode(true);
-    preferences.setTimeSheetOpen(true);
-    preferences.setTimeSheetFile("/y.txt", false);
+    p.setSingleWindowMode(true);
+    p.setTimeSheetOpen(true);
+    p.setTimeSheetFile(home.path("y"), false);
     setDefaultField(kFieldDescription, "");
-    preferences.fromTag(*tkTagParser().parse(text));
-    EXPECT_FALSE(preferences.isSingleWindowMode() || preferences.isTimeSheetOpen());
-    EXPECT_EQ(preferences.timeSheetFile(), "/x/sheet.txt");
+    p.fromTag(*tkTagParser().parse(text));
+    EXPECT_EQ(state(), "WD date /x/sheet.txt");
     EXPECT_EQ(defaultRecord().description()->toString(), "carried");
-    EXPECT_EQ(preferences.toTag()->toText(0), text);
+    EXPECT_EQ(p.toTag()->toText(0), text);
 }
 
 // The reader ignores case, keeps present values for what is missing or unreadable, takes the
 // first of duplicates, and turns a sort key it doesn't know off. A record sets the default
 // record and leaves the preferences dirty.
 TEST_F(tkPreferencesTest, ReaderIsTolerantAndCaseBlind) {
-    const struct {
-        const char* children;
-        bool timeSheetOpen, singleWindowMode;
-        const char* sortBy;
-    } cases[] = {
-        {"", false, true, "off"},
-        {"<TIMESHEETOPEN>true</TIMESHEETOPEN>", true, true, "off"},
-        {"<timesheetOpen>no</timesheetOpen><sortBy>Date</sortBy>", false, true, "off"},
-        {"<sortBy>job number</sortBy>", false, true, "job number"},
+    const std::pair<std::string, std::string> cases[] = {
+        {"", "S off"},
+        {"<TIMESHEETOPEN>true</TIMESHEETOPEN>", "SO off"},
+        {"<timesheetOpen>no</timesheetOpen><sortBy>Date</sortBy>", "S off"},
+        {"<sortBy>job number</sortBy>", "S job number"},
         {"<singleWindowMode>false</singleWindowMode><singleWindowMode>true</singleWindowMode>",
-         false, false, "off"},
-    };
-    for (const auto& c : cases) {
-        preferences.setTimeSheetOpen(false);
-        preferences.setSingleWindowMode(true);
-        preferences.setDirty(false);
-        preferences.fromTag(
-            *tkTagParser().parse(std::string("<tkPreferences>") + c.children + "</tkPreferences>"));
-        EXPECT_EQ(preferences.isTimeSheetOpen(), c.timeSheetOpen) << c.children;
-        EXPECT_EQ(preferences.isSingleWindowMode(), c.singleWindowMode) << c.children;
-        EXPECT_EQ(preferences.sortBy(), c.sortBy) << c.children;
-        EXPECT_FALSE(preferences.isDirty()) << c.children;
+         " off"}};
+    p.setTimeSheetWorldWritable(false);
+    for (const auto& [children, expected] : cases) {
+        p.setTimeSheetOpen(false);
+        p.setSingleWindowMode(true);
+        p.setDirty(false);
+        p.fromTag(*tkTagParser().parse("<tkPreferences>" + children + "</tkPreferences>"));
+        EXPECT_EQ(state().substr(0, state().find(" /")), expected) << children;
     }
-    preferences.fromTag(*tkTagParser().parse(
+    p.fromTag(*tkTagParser().parse(
         "<tkPreferences><tkKnownRecordItems><employees><code>ZED</code></employees>"
         "</tkKnownRecordItems><record><employee>ZED</employee><description>desk work"
         "</description></record></tkPreferences>"));
     EXPECT_EQ(defaultRecord().description()->toString(), "desk work");
     EXPECT_EQ(defaultRecord().employee(), tkKnownRecordItems::instance().getOrAddEmployee("ZED"));
-    EXPECT_TRUE(preferences.isDirty());
+    EXPECT_TRUE(p.isDirty());
 }
 
 }  // namespace

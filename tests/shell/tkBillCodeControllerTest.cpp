@@ -29,9 +29,6 @@ class tkBillCodeControllerTest : public tkShellTest {
         tkTimerArray::instance().timerAt(0)->getRecord()->setField("employee", code);
         tkTimerArray::instance().setDirty(true);
     }
-    bool saved(const std::string& file, const std::string& text) const {
-        return home.readText(file).value_or("").find(text) != std::string::npos;
-    }
 
     tkHeadlessBillCodeUI employees{"employee"};
     tkBillCodeController controller{employees, "employee"};
@@ -54,8 +51,8 @@ TEST_F(tkBillCodeControllerTest, DeleteKeepsCodesATimerHolds) {
     employees.selectRows({0, 1});
     EXPECT_TRUE(controller.deleteSelected()) << "one of the two went";
     EXPECT_EQ(employees.shownCodes(), (Codes{"CY"}));
-    EXPECT_TRUE(saved(preferencesPath(), "<code>CY</code>"));
-    EXPECT_FALSE(saved(preferencesPath(), "<code>AL</code>"));
+    EXPECT_TRUE(fileHas(preferencesPath(), "<code>CY</code>"));
+    EXPECT_FALSE(fileHas(preferencesPath(), "<code>AL</code>"));
 }
 
 // A rename onto an existing code doesn't merge, and rewrites the files of its holders, or a
@@ -63,13 +60,13 @@ TEST_F(tkBillCodeControllerTest, DeleteKeepsCodesATimerHolds) {
 TEST_F(tkBillCodeControllerTest, RenameRewritesTheFilesOfItsHolders) {
     tkBillCodeController::addCodes("employee", "abc\nxyz");
     timerHoldsEmployee("abc");
-    ASSERT_TRUE(saved(timersPath(), "ABC"));
+    ASSERT_TRUE(fileHas(timersPath(), "ABC"));
     EXPECT_TRUE(controller.renameRow(0, "xyz"));
     employees.refreshTable();
     EXPECT_EQ(employees.shownCodes(), (Codes{"XYZ"})) << "one entry, no merge";
     EXPECT_EQ(tkTimerArray::instance().timerAt(0)->getRecord()->employee()->text(), "XYZ");
-    EXPECT_TRUE(saved(timersPath(), "XYZ"));
-    EXPECT_FALSE(saved(timersPath(), "ABC"));
+    EXPECT_TRUE(fileHas(timersPath(), "XYZ"));
+    EXPECT_FALSE(fileHas(timersPath(), "ABC"));
     EXPECT_FALSE(controller.renameRow(0, "")) << "an emptied cell strips nothing";
     EXPECT_FALSE(controller.renameRow(1, "new")) << "out of range";
     EXPECT_TRUE(controller.renameRow(0, "a\tb"));
@@ -122,7 +119,7 @@ TEST_F(tkBillCodeControllerTest, ImportReplacesTheUnusedCodesOrChangesNothing) {
     EXPECT_EQ(known().jobNumbers(), (Codes{"", "J1", "J2"}));
     employees.refreshTable();
     EXPECT_EQ(employees.shownCodes(), (Codes{"ANN", "BOB", "HELD"}));
-    EXPECT_TRUE(saved(preferencesPath(), "<code>J2</code>"));
+    EXPECT_TRUE(fileHas(preferencesPath(), "<code>J2</code>"));
 }
 
 }  // namespace

@@ -9,12 +9,11 @@
 #include "foundation/StringFormatException.h"
 #include "foundation/tkFileWriteException.h"
 #include "preferences/tkPreferences.h"
-#include "records/tkRecord.h"
 #include "shell/tkAppState.h"
-#include "shell/tkDataLocks.h"
 #include "shell/tkErrorReporting.h"
 #include "tests/platform/tkPlatformTestSupport.h"
 #include "tests/shell/tkShellTestSupport.h"
+#include "tests/support/tkThrown.h"
 #include "timers/tkTimerArray.h"
 #include "timesheet/tkTimeSheet.h"
 #include "timesheet/tkUndoManager.h"
@@ -32,18 +31,6 @@ class tkDataFilesTest : public tkShellTest {
         openTimeSheet();
         return tkTimeSheet::instance();
     }
-    // True when another descriptor can take the sheet's lock: nobody holds it.
-    static bool lockIsFree(const std::string& path) {
-        tkFileManagerPosix probe;
-        const int32_t fd = probe.lockFile(timeSheetLockPath(path), 0).fd;
-        if (fd >= 0) {
-            probe.closeLocked(fd);
-        }
-        return fd >= 0;
-    }
-    static std::shared_ptr<tkRecord> record(const std::string& description) {
-        return std::make_shared<tkRecord>("1/2/3", "01:00:00", "EMP", "JOB", "FEE", description);
-    }
     int32_t switchTo(const std::string& relative, bool load, bool create) {
         return switchTimeSheet(*fileFromPath(home.path(relative)), load, create);
     }
@@ -54,13 +41,13 @@ TEST_F(tkDataFilesTest, OpeningTheSheetReadsItAndKeepsItsLock) {
     openSheet(row("a") + row("b"));
     EXPECT_EQ(tkTimeSheet::instance().rowCount(), 2u);
     EXPECT_TRUE(timeSheetReady());
-    EXPECT_FALSE(lockIsFree(sheetPath()));
+    EXPECT_FALSE(sheetLockIsFree(sheetPath()));
     // Deleted while running: the next save writes it again, under the same lock.
     const int32_t locks = faulty->faults().openLockedCalls;
     ::unlink(sheetPath().c_str());
-    tkTimeSheet::instance().addEntry(record("c"));
+    tkTimeSheet::instance().addEntry(rowRecord("c"));
     EXPECT_EQ(home.readText(sheetPath()), row("a") + row("b") + row("c"));
-    EXPECT_FALSE(lockIsFree(sheetPath()));
+    EXPECT_FALSE(sheetLockIsFree(sheetPath()));
     EXPECT_EQ(faulty->faults().openLockedCalls, locks);
 }
 
@@ -68,12 +55,8 @@ TEST_F(tkDataFilesTest, AnUnwritableSheetIsRefusedUnread) {
     home.writeText(sheetPath(), row("a"));
     ::chmod(sheetPath().c_str(), 0444);
     installFaulty().faults().honourModeBits = true;
-    try {
-        openTimeSheet();
-        FAIL() << "no exception";
-    } catch (const IOException& e) {
-        EXPECT_EQ(e.message(), "Time sheet lacks write permissions " + sheetPath());
-    }
+    EXPECT_EQ(thrown<IOException>([] { openTimeSheet(); }),
+              "IOException|Time sheet lacks write permissions " + sheetPath());
     EXPECT_EQ(tkTimeSheet::instance().rowCount(), 0u);
 }
 
@@ -94,7 +77,7 @@ TEST_F(tkDataFilesTest, EachActionWritesEachChangedFileOnceBeforeItReturns) {
         std::function<void()> run;
         int32_t writes;
     } cases[] = {
-        {"add", [&] { sheet.addEntry(record("e")); }, 1},
+        {"add", [&] { sheet.addEntry(rowRecord("e")); }, 1},
         {"delete every row", [&] { sheet.deleteAllRows(); }, 1},
         {"undo", [&] { sheet.undoManager().undo(); }, 1},
         {"redo", [&] { sheet.undoManager().redo(); }, 1},
@@ -113,14 +96,14 @@ TEST_F(tkDataFilesTest, EachActionWritesEachChangedFileOnceBeforeItReturns) {
         EXPECT_FALSE(sheet.isDirty() || tkPreferences::instance().isDirty()) << c.action;
         EXPECT_EQ(home.readText(sheetPath()), sheet.tabbedText()) << c.action;
     }
-    EXPECT_NE(home.readText(preferencesPath())->find("<timesheetOpen>false"), std::string::npos);
+    EXPECT_TRUE(fileHas(preferencesPath(), "<timesheetOpen>false"));
     // The codes of the good lines stay in the lists when a later line is refused: on disk too.
     EXPECT_THROW(sheet.pasteText("4/5/6\t1\tNEWE\tJOB\tFEE\tz\nbad line\n"), StringFormatException);
-    EXPECT_NE(home.readText(preferencesPath())->find("NEWE"), std::string::npos);
+    EXPECT_TRUE(fileHas(preferencesPath(), "NEWE"));
     tkAppState::instance().detachPreferencesHandlers();
     tkPreferences::instance().setTimeSheetOpen(true);
     EXPECT_TRUE(tkPreferences::instance().isDirty());
-    EXPECT_EQ(home.readText(preferencesPath())->find("<timesheetOpen>true"), std::string::npos);
+    EXPECT_FALSE(fileHas(preferencesPath(), "<timesheetOpen>true"));
 }
 
 // A failed write (here a full disk) keeps each change pending and tells the user once per file,
@@ -132,8 +115,8 @@ TEST_F(tkDataFilesTest, FailedSavesKeepTheChangeTellOnceAndWriteItLater) {
     tkTimeSheet& sheet = openSheet(row("a"));
     tkAppState::instance().attachTimersHandler();
     faulty->faults().diskFull = true;
-    sheet.addEntry(record("b"));
-    sheet.addEntry(record("c"));
+    sheet.addEntry(rowRecord("b"));
+    sheet.addEntry(rowRecord("c"));
     tkTimerArray::instance().setDrawerOpen(false);
     tkPreferences::instance().setTimeSheetOpen(false);
     tkPreferences::instance().setSingleWindowMode(false);
@@ -149,14 +132,14 @@ TEST_F(tkDataFilesTest, FailedSavesKeepTheChangeTellOnceAndWriteItLater) {
     EXPECT_FALSE(home.exists(timersPath()));
 
     faulty->faults().diskFull = false;
-    sheet.addEntry(record("d"));
+    sheet.addEntry(rowRecord("d"));
     saveTimers();
     savePreferences();
     EXPECT_EQ(home.readText(sheetPath()), row("a") + row("b") + row("c") + row("d"));
-    EXPECT_NE(home.readText(timersPath())->find("<drawerOpen>false"), std::string::npos);
-    EXPECT_NE(home.readText(preferencesPath())->find("<timesheetOpen>false"), std::string::npos);
+    EXPECT_TRUE(fileHas(timersPath(), "<drawerOpen>false"));
+    EXPECT_TRUE(fileHas(preferencesPath(), "<timesheetOpen>false"));
     faulty->faults().diskFull = true;
-    sheet.addEntry(record("e"));
+    sheet.addEntry(rowRecord("e"));
     EXPECT_EQ(reports.size(), 4u);
     setErrorReporter(nullptr);
 }
@@ -182,7 +165,7 @@ TEST_F(tkDataFilesTest, SwitchingSheetsWritesTheNewFileOnceOrChangesNothing) {
     other.closeLocked(held);
     EXPECT_EQ(tkPreferences::instance().timeSheetFile(), sheetPath());
     EXPECT_EQ(tkTimeSheet::instance().rowCount(), 1u);
-    EXPECT_FALSE(lockIsFree(sheetPath()));
+    EXPECT_FALSE(sheetLockIsFree(sheetPath()));
 
     std::string text;
     for (int i = 0; i < 100; ++i) {
@@ -195,13 +178,13 @@ TEST_F(tkDataFilesTest, SwitchingSheetsWritesTheNewFileOnceOrChangesNothing) {
               (std::vector<std::string>{home.path("other.txt"), preferencesPath()}));
     EXPECT_EQ(home.readText("other.txt"), row("a") + text);
     EXPECT_FALSE(tkTimeSheet::instance().isDirty());
-    EXPECT_TRUE(lockIsFree(sheetPath()));
-    EXPECT_FALSE(lockIsFree(home.path("other.txt")));
+    EXPECT_TRUE(sheetLockIsFree(sheetPath()));
+    EXPECT_FALSE(sheetLockIsFree(home.path("other.txt")));
 
     EXPECT_EQ(switchTo("new/sheet.txt", false, true), 0);
     EXPECT_EQ(home.readText("new/sheet.txt"), row("a") + text);
     EXPECT_EQ(tkPreferences::instance().timeSheetFile(), home.path("new/sheet.txt"));
-    EXPECT_TRUE(lockIsFree(home.path("other.txt")));
+    EXPECT_TRUE(sheetLockIsFree(home.path("other.txt")));
 }
 
 // A broken timers file is never deleted: when the place in /tmp is taken (any local user can

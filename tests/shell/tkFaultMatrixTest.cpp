@@ -87,23 +87,23 @@ class tkFaultMatrixTest : public tkShellTest {
         home.writeText(timersPath(), timersText(titles));
     }
 
+    // Step -1 only says that the launch is done.
     void work(const Case& c, int round, int32_t fullFrom, int reports) {
         if (c.unprivileged && ::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) {
             ::_exit(3);
         }
         c.injectedFullDisk ? launchFaulty() : launch();
-        // Step -1 only says that the launch is done.
         for (int32_t step = -1;; ++step) {
             int32_t switched = 0;
-            if (step >= 0 && faulty != nullptr) {
+            if (faulty != nullptr) {
                 faulty->faults().diskFull = step >= fullFrom;
             }
             if (step >= 0 && (c.changes & kSwitch)) {
                 const bool load = step % 2 == 1;
-                switched = switchTimeSheet(
-                    *fileFromPath(load ? otherSheet(round, step)
-                                       : home.path("new/" + name('n', round, step))),
-                    load, !load);
+                switched =
+                    switchTimeSheet(*fileFromPath(load ? otherSheet(round, step)
+                                                       : home.path("n/" + name('n', round, step))),
+                                    load, !load);
             }
             if (step >= 0 && (c.changes & (kRow | kSwitch))) {
                 tkTimeSheet::instance().addEntry(std::make_shared<tkRecord>(

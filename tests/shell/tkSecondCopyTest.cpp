@@ -10,7 +10,6 @@
 
 #include "foundation/tkFileLockedException.h"
 #include "preferences/tkPreferences.h"
-#include "records/tkRecord.h"
 #include "shell/tkDataFiles.h"
 #include "tests/shell/tkShellTestSupport.h"
 #include "timesheet/tkTimeSheet.h"
@@ -19,10 +18,6 @@ namespace {
 
 // One owner of the time sheet, always, shown with real processes.
 using tkSecondCopyTest = tkShellTest;
-
-std::shared_ptr<tkRecord> record(const std::string& description) {
-    return std::make_shared<tkRecord>("1/2/3", "00:01:00", "EMP", "JOB", "FEE", description);
-}
 
 // Every save replaces the sheet's file, and at no moment of it may another user's copy that
 // shares the sheet (a data folder of its own) open it.
@@ -35,7 +30,7 @@ TEST_F(tkSecondCopyTest, NoOtherProcessGetsTheSheetWhileItsOwnerSavesOverAndOver
         launch();
         (void)!::write(ready[1], "1", 1);
         for (int i = 0;; ++i) {
-            tkTimeSheet::instance().addEntry(record("saved " + std::to_string(i)));
+            tkTimeSheet::instance().addEntry(rowRecord("saved " + std::to_string(i)));
         }
     }
     char launched = 0;
@@ -76,7 +71,7 @@ TEST_F(tkSecondCopyTest, TwentyCopiesAddingAtOnceWithRetriesLoseNoRecord) {
                     if (frontEnd.quitRequested()) {
                         ::_exit(2);
                     }
-                    tkTimeSheet::instance().addEntry(record("copy " + std::to_string(i)));
+                    tkTimeSheet::instance().addEntry(rowRecord("copy " + std::to_string(i)));
                     sequence->terminate();
                 });
                 if (status != 2) {

@@ -4,9 +4,7 @@
 #include <sys/stat.h>
 
 #include "preferences/tkPreferences.h"
-#include "records/tkRecord.h"
 #include "shell/tkDataFiles.h"
-#include "shell/tkDataLocks.h"
 #include "tests/shell/tkShellTestSupport.h"
 #include "timesheet/tkTimeSheet.h"
 
@@ -44,15 +42,6 @@ class tkTimeSheetLocationTest : public tkShellTest {
         home.writeText(sheetPath(), row("a") + row("b"));
         launchFaulty();
     }
-    // True when nobody holds the lock on the file.
-    static bool unlocked(const std::string& path) {
-        tkFileManagerPosix probe;
-        const int32_t fd = probe.lockFile(timeSheetLockPath(path), 0).fd;
-        if (fd >= 0) {
-            probe.closeLocked(fd);
-        }
-        return fd >= 0;
-    }
     static std::string location() { return tkPreferences::instance().timeSheetFile(); }
 };
 
@@ -69,17 +58,16 @@ TEST_F(tkTimeSheetLocationTest, MoveWritesEveryRowToTheNewPlaceBeforeTheOldFileG
     faulty->faults().createFails = false;
     EXPECT_EQ(location(), sheetPath());
     EXPECT_EQ(home.readText(sheetPath()), row("a") + row("b"));
-    EXPECT_FALSE(unlocked(sheetPath()));
+    EXPECT_FALSE(sheetLockIsFree(sheetPath()));
 
     const std::string target = home.path("elsewhere/new sheet.txt");
     EXPECT_EQ(moveTimeSheet(target), 0);
     EXPECT_EQ(home.readText(target), row("a") + row("b"));
     EXPECT_FALSE(home.exists(sheetPath()));
     EXPECT_EQ(location(), target);
-    EXPECT_FALSE(unlocked(target)) << "the new file is this copy's now";
-    EXPECT_NE(home.readText(preferencesPath())->find(target), std::string::npos);
-    tkTimeSheet::instance().addEntry(
-        std::make_shared<tkRecord>("1/2/3", "01:00:00", "EMP", "JOB", "FEE", "c"));
+    EXPECT_FALSE(sheetLockIsFree(target)) << "the new file is this copy's now";
+    EXPECT_TRUE(fileHas(preferencesPath(), target));
+    tkTimeSheet::instance().addEntry(rowRecord("c"));
     EXPECT_EQ(home.readText(target), row("a") + row("b") + row("c"));
     EXPECT_EQ(moveTimeSheet(target), 0) << "the present place: nothing to do";
 }
