@@ -213,26 +213,4 @@ TEST_F(tkFileManagerPosixTest, LockFileTriesOnceOrWaitsForTheHolderToLetGo) {
     ::waitpid(holder, nullptr, 0);
 }
 
-// The older lock on the file itself: never creates it, refuses a second descriptor until the
-// first is closed, and follows the file that the name shows after a rewrite renamed a new
-// file over it, or the writer could never lock its own file again.
-TEST_F(tkFileManagerPosixTest, OpenLockedLocksTheFileTheNameShows) {
-    EXPECT_EQ(manager.openLocked(home.path("sheet"), 0644), -1);
-    EXPECT_FALSE(home.exists("sheet"));
-    home.writeText("sheet", "old");
-    const int32_t first = manager.openLocked(home.path("sheet"), 0);
-    ASSERT_GE(first, 0);
-    EXPECT_NE(::fcntl(first, F_GETFD) & FD_CLOEXEC, 0);
-    EXPECT_EQ(manager.openLocked(home.path("sheet"), 0), -1);
-    EXPECT_EQ(manager.closeLocked(first), 0);
-    manager.makeFile(home.path("sheet"))->write("new");
-    const int32_t again = manager.openLocked(home.path("sheet"), 0);
-    ASSERT_GE(again, 0);
-    struct stat locked, named;
-    ASSERT_EQ(::fstat(again, &locked), 0);
-    ASSERT_EQ(::stat(home.path("sheet").c_str(), &named), 0);
-    EXPECT_EQ(locked.st_ino, named.st_ino);
-    manager.closeLocked(again);
-}
-
 }  // namespace

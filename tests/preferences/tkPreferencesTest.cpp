@@ -1,7 +1,6 @@
-#include "preferences/tkPreferences.h"
-
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
@@ -10,9 +9,12 @@
 #include "foundation/tkTagNode.h"
 #include "foundation/tkTagParser.h"
 #include "platform/tkFileManagerPosix.h"
+#include "platform/tkUserInfoPosix.h"
 #include "preferences/tkPaths.h"
+#include "preferences/tkPreferences.h"
 #include "records/tkDefaultRecord.h"
 #include "records/tkKnownRecordItems.h"
+#include "tests/platform/tkPlatformTestSupport.h"
 #include "tests/support/tkNotificationRecorder.h"
 #include "tests/support/tkTempHome.h"
 #include "timesheet/tkTimeSheet.h"
@@ -158,3 +160,53 @@ TEST_F(tkPreferencesTest, ReaderIsTolerantAndCaseBlind) {
 }
 
 }  // namespace
+
+// Defaults lie in the application folder of the data folder, which without a platform follows
+// the environment; the old paths stay exactly as earlier versions wrote them.
+TEST(tkPaths, DefaultsLieInTheApplicationFolderOfTheDataFolder) {
+    tkTempHome home;
+    setUserInfoSource([] { return std::string("J. Random User"); }, nullptr);
+    const std::string folder = home.dataFolder() + "/Tekamo";
+    EXPECT_EQ(timersFilePath(false), folder + "/Chronolet Timers.txt");
+    EXPECT_EQ(preferencesFilePath(false), folder + "/Chronolet Preferences.txt");
+    EXPECT_EQ(defaultTimeSheetFilePath(), folder + "/J. Random User's Time Sheet.txt");
+    EXPECT_EQ(timersFilePath(true),
+              "~/Library/Application Support/Tekamo Chronolet/Chronolet Timers.txt");
+    EXPECT_EQ(preferencesFilePath(true),
+              "~/Library/Application Support/Tekamo Chronolet/Chronolet Preferences.txt");
+    ::unsetenv("XDG_DATA_HOME");
+    EXPECT_EQ(userDataFolder(), home.root() + "/.local/share");
+    ::setenv("XDG_DATA_HOME", (home.root() + "/x/").c_str(), 1);
+    EXPECT_EQ(applicationSupportFolder(), home.root() + "/x/Tekamo");
+}
+
+TEST(tkPaths, FileModeOpensAndClosesTheFile) {
+    tkTempHome home;
+    home.writeText("f", "");
+    EXPECT_TRUE(setFileMode(home.path("f"), true));
+    EXPECT_EQ(permissionsOf(home.path("f")), 0666u);
+    EXPECT_TRUE(setFileMode(home.path("f"), false));
+    EXPECT_EQ(permissionsOf(home.path("f")), 0644u);
+    EXPECT_FALSE(setFileMode(home.path("missing"), true));
+}
+
+// The full name is the gecos field up to its first comma; the data folder follows the base
+// directory rule: an absolute XDG_DATA_HOME, otherwise ~/.local/share.
+TEST(tkUserInfoPosix, NameAndDataFolderFollowTheSystemsRules) {
+    EXPECT_EQ(posixFullUserName().find(','), std::string::npos);
+    EXPECT_FALSE(posixFullUserName().empty());
+    tkTempHome home;
+    const struct {
+        const char* xdg;  // nullptr: unset
+        std::string expected;
+    } cases[] = {
+        {"/custom/data", "/custom/data"},
+        {"", home.root() + "/.local/share"},
+        {"relative/data", home.root() + "/.local/share"},
+        {nullptr, home.root() + "/.local/share"},
+    };
+    for (const auto& c : cases) {
+        c.xdg != nullptr ? ::setenv("XDG_DATA_HOME", c.xdg, 1) : ::unsetenv("XDG_DATA_HOME");
+        EXPECT_EQ(posixDataFolder(), c.expected) << "XDG_DATA_HOME=" << (c.xdg ? c.xdg : "(unset)");
+    }
+}

@@ -195,8 +195,9 @@ TEST(tkTimerArray, TitleOrderAndMovesKeepNumbersStraight) {
     EXPECT_EQ(posts.count(kTimerBecameDirty), 3);
 }
 
-// Numbered timers, then the flags; a load replaces the timers, reads the flags with the
-// present values as defaults, and brings back running timers still running and clean.
+// Numbered timers (each with its children in a fixed order, and no old time basis), then the
+// flags; a load replaces the timers, reads the flags with the present values as defaults, and
+// brings back running timers still running and clean.
 TEST(tkTimerArray, SavedTextLoadsBackWithRunningTimersStillRunning) {
     tkTestClock clock;
     makeTimers(3);
@@ -211,9 +212,12 @@ TEST(tkTimerArray, SavedTextLoadsBackWithRunningTimersStillRunning) {
     for (int32_t i = 0; i < node->childCount(); ++i) {
         names += node->childAt(i)->name() + "|";
     }
+    for (int32_t i = 0; i < node->childAt(1)->childCount(); ++i) {
+        names += node->childAt(1)->childAt(i)->name() + "|";
+    }
     EXPECT_EQ(names,
               "timer 0|timer 1|timer 2|frontMostTimerNumber|timerOpen|globalDetailMode|"
-              "drawerOpen|");
+              "drawerOpen|title|startTime|priorRunningTime|detailMode|started|id|record|");
     timers().removeAll();
     makeTimers(1);
     clock.advance(3'600'000);

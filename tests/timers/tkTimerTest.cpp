@@ -141,28 +141,6 @@ TEST(tkTimer, AddingToTheTimeSheetMakesAnEntryOfItsSecondsDatedToday) {
     EXPECT_EQ(timer.getRecord(), record);
 }
 
-// The written form has its children in a fixed order and no old time basis; what it writes
-// reads back to the same timer and the same text.
-TEST(tkTimer, TaggedFormRoundTripsAndWritesNoTimeBasis) {
-    tkTestClock clock;
-    tkTimer first;
-    load(first,
-         "<title>Design &amp; build</title><startTime>123456</startTime>"
-         "<priorRunningTime>7777</priorRunningTime><detailMode>false</detailMode>"
-         "<started>false</started><id>abc-1</id>");
-    const auto written = first.toTag();
-    std::string names = written->name();
-    for (int32_t i = 0; i < written->childCount(); ++i) {
-        names += " " + written->childAt(i)->name();
-    }
-    EXPECT_EQ(names, "timer title startTime priorRunningTime detailMode started id record");
-    tkTimer second;
-    second.fromTag(*tkTagParser().parse(written->toText(0)));
-    EXPECT_EQ(second.toTag()->toText(0), written->toText(0));
-    EXPECT_EQ(state(second), "Design & build|abc-1||7 7777 123456");
-    EXPECT_EQ(toTabLine(*second.getRecord()), "1/3/5\t00:00:00\tANN\tJ1\tF\td");
-}
-
 // What a file says is taken as it stands: a running timer counts the time since, clean and
 // silent; an old single time basis is the start when running and the time when stopped;
 // missing or unreadable values are the defaults; absurd times wrap rather than overflow.

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -9,7 +10,9 @@
 #include "foundation/tkNotificationNames.h"
 #include "tests/support/tkNotificationRecorder.h"
 #include "tests/timesheet/tkTimeSheetTestSupport.h"
+#include "timesheet/tkCompoundEdit.h"
 #include "timesheet/tkSortCommand.h"
+#include "timesheet/tkTimeSheet.h"
 #include "timesheet/tkUndoManager.h"
 
 namespace {
@@ -149,4 +152,199 @@ TEST(EditCommands, ASortNamesItselfByTheColumnTitle) {
     for (const auto& [key, name] : names) {
         EXPECT_EQ(tkSortCommand(sheet, key).getPresentationName(), name) << key;
     }
+}
+
+// Each case: the key, the key texts of rows A, B, C, ... in that order (sorting off), and the
+// rows in the order the sort must give. Equal keys keep their order.
+TEST(Sorting, EachKeyOrdersRowsStablyByItsOwnComparison) {
+    const struct {
+        std::string key;
+        std::vector<std::string> texts;
+        std::string order;
+    } cases[] = {
+        {"date", {"1/2/21", "12/31/20", "1/1/21", "12/31/20"}, "B|D|C|A"},
+        {"job number", {"9", "10", ""}, "C|B|A"},
+        // ":" sorts after "0", so 100 hours come before 10.
+        {"duration", {"10:00:00", "9.5", "99:00:00", "100:00:00"}, "B|D|A|C"},
+        {"employee", {"zz", "Ab", "AB", "a"}, "D|B|C|A"},
+        {"fee code", {"B2", "b1", "B"}, "C|B|A"},
+        {"description", {"Fix", "fix", "fi", "\xC3\xA9t\xC3\xA9"}, "C|A|B|D"},
+        {"off", {"b", "a"}, "A|B"},
+    };
+    for (const auto& c : cases) {
+        tkTimeSheet sheet;
+        sheet.applySortBy("off");
+        // The row's name goes into a field that is not the key.
+        const std::string nameField = c.key == "description" ? "job number" : "description";
+        for (size_t i = 0; i < c.texts.size(); ++i) {
+            auto record = entry("1/1/20|1:00|E|J|F|");
+            record->setField(c.key == "off" ? "employee" : c.key, c.texts[i]);
+            record->setField(nameField, std::string(1, static_cast<char>('A' + i)));
+            sheet.insertRecord(record);
+        }
+        sheet.setSortBy(c.key);
+        EXPECT_EQ(joined(sheet, nameField), c.order) << "key " << c.key;
+    }
+}
+
+// A later sort keeps the earlier order among its equals; the selected records stay selected
+// at their new rows, in the old selection order; undo restores even an order no key gives, and
+// the key before.
+TEST(Sorting, SortsAreStableSelectionKeepingStepsThatUndoExactly) {
+    tkTimeSheet sheet;
+    sheet.setSortBy("off");
+    fill(sheet, {"d", "a", "c", "b"}, "5/5/20");
+    sheet.addEntryAtRow(entry("1/1/20", "a"), 3);
+    select(sheet, {4, 0});  // "b", then "d"
+    sheet.setSortBy("date");
+    EXPECT_EQ(joined(sheet), "a|d|a|c|b");
+    sheet.setSortBy("description");
+    EXPECT_EQ(joined(sheet, "date"), "1/1/20|5/5/20|5/5/20|5/5/20|5/5/20");
+    EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{2, 4}));
+    EXPECT_EQ(sheet.undoManager().getUndoPresentationName(), "Undo Sort by Description");
+    sheet.undoManager().undo();
+    EXPECT_EQ(joined(sheet), "a|d|a|c|b");
+    sheet.undoManager().undo();
+    EXPECT_EQ(joined(sheet), "d|a|c|a|b");
+    EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{4, 0}));
+    EXPECT_EQ(sheet.sortBy(), "off");
+    sheet.undoManager().redo();
+    EXPECT_EQ(sheet.sortBy(), "date");
+}
+
+TEST(Sorting, PostsSelectionThenDirtyThenSortByEvenOnAnEmptySheet) {
+    tkTimeSheet sheet;
+    tkNotificationRecorder recorder;
+    for (const char* name :
+         {kTimeSheetBecameDirty, kTimeSheetSelectionChanged, kTimeSheetSortByChanged}) {
+        recorder.listen(name, &sheet);
+    }
+    sheet.applySortBy("employee");
+    EXPECT_EQ(recorder.names(),
+              (std::vector<std::string>{kTimeSheetSelectionChanged, kTimeSheetBecameDirty,
+                                        kTimeSheetSortByChanged}));
+    recorder.clear();
+    sheet.restoreSortBy("date");
+    EXPECT_EQ(recorder.names(),
+              (std::vector<std::string>{kTimeSheetBecameDirty, kTimeSheetSortByChanged}));
+}
+
+TEST(Sorting, InsertionRowGoesBehindAllEqualsAndToTheEndWhenOff) {
+    tkTimeSheet sheet;
+    sheet.applySortBy("description");
+    EXPECT_EQ(sheet.insertionRow(*entry("1/1/20", "m")), 0u);
+    fill(sheet, {"m"});
+    EXPECT_EQ(sheet.insertionRow(*entry("1/1/20", "a")), 0u);
+    EXPECT_EQ(sheet.insertionRow(*entry("1/1/20", "M")), 1u);
+    fill(sheet, {"a", "c", "c", "c", "x"});
+    const std::vector<std::pair<std::string, uint32_t>> cases = {
+        {"C", 4}, {"b", 1}, {"z", 6}, {"a", 1}, {"0", 0}};
+    for (const auto& [text, row] : cases) {
+        EXPECT_EQ(sheet.insertionRow(*entry("1/1/20", text)), row) << text;
+    }
+    sheet.applySortBy("off");
+    EXPECT_EQ(sheet.insertionRow(*entry("1/1/20", "a")), 6u);
+    EXPECT_TRUE(sheet.less(*entry("1/1/20", "a"), *entry("1/1/20", "a")));
+}
+
+namespace {
+
+// An edit that logs its calls and moves its flags as every command does.
+class LoggingEdit : public tkUndoableEdit {
+  public:
+    LoggingEdit(std::string name, std::vector<std::string>* log) : name_(name), log_(log) {
+        canUndoFlag_ = true;
+    }
+    void undo() override {
+        if (name_ == "throws") {
+            throw std::runtime_error("undo failed");
+        }
+        log_->push_back("undo " + name_);
+        canUndoFlag_ = false;
+        canRedoFlag_ = true;
+    }
+    void redo() override {
+        log_->push_back("redo " + name_);
+        canUndoFlag_ = true;
+        canRedoFlag_ = false;
+    }
+    std::string getPresentationName() const override { return name_; }
+
+  private:
+    std::string name_;
+    std::vector<std::string>* log_;
+};
+
+}  // namespace
+
+// The manager's refusals have no full stop, a single edit's has: deliberate. Nothing limits
+// the depth; an edit added after an undo cuts the redo side; die() ends all of it.
+TEST(UndoManager, NamesTheStepsAndCutsTheRedoSideOnAdd) {
+    std::vector<std::string> log;
+    tkUndoManager manager;
+    EXPECT_EQ(manager.getUndoPresentationName() + "|" + manager.getRedoPresentationName(),
+              "Can't Undo|Can't Redo");
+    for (int i = 0; i < 150; ++i) {
+        manager.addEdit(std::make_unique<LoggingEdit>(std::to_string(i), &log));
+    }
+    manager.undo();
+    EXPECT_EQ(manager.getUndoPresentationName() + "|" + manager.getRedoPresentationName(),
+              "Undo 148|Redo 149");
+    EXPECT_EQ(manager.editAt(149)->getUndoPresentationName(), "Can't Undo.");
+    manager.undo();
+    manager.addEdit(std::make_unique<LoggingEdit>("new", &log));
+    EXPECT_EQ(manager.editCount(), 149u);
+    EXPECT_EQ(manager.index(), 149);
+    EXPECT_FALSE(manager.canRedo());
+    while (manager.canUndo()) {
+        manager.undo();
+    }
+    ASSERT_EQ(log.size(), 151u);
+    EXPECT_EQ(log[2], "undo new");
+    EXPECT_EQ(log.back(), "undo 0");
+    manager.redo();
+    manager.die();
+    EXPECT_FALSE(manager.canUndo() || manager.canRedo());
+    EXPECT_EQ(manager.getRedoPresentationName(), "Can't Redo");
+}
+
+TEST(UndoManager, PostsOnceForEachStepThatActsAndNeverOnRefusalOrFailure) {
+    std::vector<std::string> log;
+    tkUndoManager manager;
+    tkNotificationRecorder recorder;
+    recorder.listen(kUndoStackChanged, &manager);
+    manager.undo();
+    manager.redo();
+    EXPECT_TRUE(recorder.empty());
+    manager.addEdit(std::make_unique<LoggingEdit>("A", &log));
+    manager.undo();
+    manager.redo();
+    manager.redo();
+    EXPECT_EQ(recorder.count(kUndoStackChanged), 3);
+    manager.addEdit(std::make_unique<LoggingEdit>("throws", &log));
+    EXPECT_THROW(manager.undo(), std::runtime_error);
+    EXPECT_EQ(manager.index(), 2);
+    EXPECT_EQ(recorder.count(kUndoStackChanged), 4);
+}
+
+TEST(CompoundEdit, TakesItsPartsBackwardsAndForwardsInsideOneBracket) {
+    tkTimeSheet owner;
+    tkNotificationRecorder recorder;
+    recorder.listen(kTimeSheetBeganCompoundEdit, &owner);
+    recorder.listen(kTimeSheetEndedCompoundEdit, &owner);
+    std::vector<std::string> log;
+    tkCompoundEdit compound(&owner);
+    for (const char* name : {"A", "B", "C"}) {
+        compound.addEdit(std::make_unique<LoggingEdit>(name, &log));
+    }
+    compound.end();
+    compound.addEdit(std::make_unique<LoggingEdit>("late", &log));
+    EXPECT_EQ(compound.count(), 3u);
+    EXPECT_EQ(compound.getUndoPresentationName(), "Undo ");
+    compound.undo();
+    compound.redo();
+    EXPECT_EQ(log, (std::vector<std::string>{"undo C", "undo B", "undo A", "redo A", "redo B",
+                                             "redo C"}));
+    EXPECT_EQ(recorder.names(),
+              (std::vector<std::string>{kTimeSheetBeganCompoundEdit, kTimeSheetEndedCompoundEdit}));
 }

@@ -1,14 +1,21 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "foundation/tkException.h"
 #include "foundation/tkNotificationNames.h"
+#include "records/tkRecord.h"
 #include "tests/support/tkNotificationRecorder.h"
 #include "tests/support/tkStdoutCapture.h"
 #include "tests/timesheet/tkTimeSheetTestSupport.h"
+#include "timesheet/tkGroupStarts.h"
+#include "timesheet/tkSheetRecordSet.h"
 
 TEST(TimeSheet, StartsEmptySortedByDateAndPostsDirtyOnlyForTrue) {
     tkNotificationRecorder recorder;
@@ -134,3 +141,89 @@ TEST(TimeSheet, GroupsFollowInsertsAndRemovals) {
     fill(sheet, {"0"});
     EXPECT_EQ(sheet.groupStarts(), (std::vector<uint32_t>{0, 4}));
 }
+
+namespace {
+
+// The pending moves must never show: after any run of changes the values, and the group
+// found for any row, are those of a plain vector changed value by value.
+TEST(tkGroupStarts, PendingMovesReadAsIfEveryValueHadMoved) {
+    for (uint32_t seed = 1; seed <= 20; ++seed) {
+        std::mt19937 random(seed);
+        auto pick = [&random](size_t n) { return static_cast<size_t>(random() % n); };
+        std::vector<uint32_t> plain = {0, 3, 3, 7, 12, 20};
+        tkGroupStarts lazy;
+        lazy.assign(plain);
+        for (int step = 0; step < 300; ++step) {
+            const size_t i = pick(plain.size());
+            // Mostly small moves at nearby places, as runs of row changes make them; sometimes
+            // a value out of order, as a stale group vector has them.
+            const uint32_t delta = pick(2) == 0 ? 1u : static_cast<uint32_t>(-1);
+            switch (pick(4)) {
+                case 0:
+                    lazy.addFrom(i, delta);
+                    std::for_each(plain.begin() + static_cast<long>(i), plain.end(),
+                                  [delta](uint32_t& v) { v += delta; });
+                    break;
+                case 1:
+                    lazy.addAt(i, delta);
+                    plain[i] += delta;
+                    break;
+                case 2: {
+                    const uint32_t value = plain[i] + static_cast<uint32_t>(pick(3));
+                    lazy.insert(i, value);
+                    plain.insert(plain.begin() + static_cast<long>(i), value);
+                    break;
+                }
+                default:
+                    if (plain.size() > 2) {
+                        lazy.erase(i);
+                        plain.erase(plain.begin() + static_cast<long>(i));
+                    }
+            }
+            for (uint32_t row = 0; row < 25; ++row) {
+                const auto next = std::find_if(plain.begin() + 1, plain.end(),
+                                               [row](uint32_t start) { return start > row; });
+                ASSERT_EQ(lazy.groupHolding(row), static_cast<size_t>(next - plain.begin()) - 1)
+                    << "seed " << seed << " step " << step << " row " << row;
+            }
+        }
+        EXPECT_EQ(lazy.values(), plain) << "seed " << seed;
+    }
+}
+
+}  // namespace
+
+namespace {
+
+// However often a record is taken in (the count lives in spare address bits up to 2) and
+// however the table grows, each record answers with its own count, and a record never
+// entered answers with none.
+TEST(tkSheetRecordSet, EveryRecordKeepsItsOwnCountThroughGrowth) {
+    std::mt19937 random(3);
+    std::vector<std::shared_ptr<tkRecord>> records;
+    for (int i = 0; i < 300; ++i) {
+        records.push_back(std::make_shared<tkRecord>());
+    }
+    tkSheetRecordSet set;
+    std::map<const tkRecord*, uint32_t> expected;
+    for (int step = 0; step < 3000; ++step) {
+        const auto& record = records[random() % 200];  // the last 100 never enter
+        const bool takenIn = random() % 3 != 0;
+        set.add(record, takenIn);
+        expected[record.get()] += takenIn ? 1 : 0;
+        if (random() % 5 == 0) {
+            set.retain(record);
+        }
+    }
+    for (const auto& record : records) {
+        const auto found = expected.find(record.get());
+        if (found == expected.end()) {
+            EXPECT_FALSE(set.timesTakenIn(record.get()).has_value());
+        } else {
+            EXPECT_EQ(set.timesTakenIn(record.get()), found->second);
+        }
+    }
+    EXPECT_EQ(set.size(), expected.size());
+}
+
+}  // namespace
