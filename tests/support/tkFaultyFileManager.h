@@ -59,91 +59,75 @@ class tkFaultyFile : public tkFile {
     std::shared_ptr<tkFileFaults> _faults;
 };
 
-class tkFaultyFileManager : public tkFileManager {
+// The real POSIX file manager, with the faults of `faults()` on top.
+class tkFaultyFileManager : public tkFileManagerPosix {
   public:
+    using Posix = tkFileManagerPosix;
     tkFileFaults& faults() { return *_faults; }
 
-    bool exists(const tkFile& file) override { return _inner.exists(file); }
     bool isWritable(const tkFile& file) override {
         struct stat info;
         if (_faults->honourModeBits &&
             (::stat(file.path().c_str(), &info) != 0 || (info.st_mode & 0222) == 0)) {
             return false;
         }
-        return _inner.isWritable(file);
+        return Posix::isWritable(file);
     }
     bool createDirectory(const std::string& path) override {
         struct stat info;
         return _faults->createFails ? ::stat(path.c_str(), &info) == 0
-                                    : _inner.createDirectory(path);
+                                    : Posix::createDirectory(path);
     }
     void createFile(const tkFile& file) override {
-        if (!_inner.exists(file)) {
+        if (!exists(file)) {
             if (_faults->createFails) {
                 throw IOException("Could not create file " + file.path() + ".");
             }
             ++_faults->creates;
         }
-        _inner.createFile(file);
+        Posix::createFile(file);
     }
-    void checkReadable(const tkFile& file) override { _inner.checkReadable(file); }
-    bool moveFile(const tkFile& file, const std::string& destination) override {
-        return _inner.moveFile(file, destination);
-    }
-    bool removeFile(const tkFile& file) override { return _inner.removeFile(file); }
     bool safeSave(const tkFile& file, const std::string& contents) override {
         ++_faults->writes;
         if (_faults->diskFull) {
             return false;
         }
-        if (_faults->swapFails && _inner.exists(file)) {
+        if (_faults->swapFails && exists(file)) {
             // Everything up to the swap happens for real, so the temporary file with the new
             // contents is there to be found.
-            _inner.safeSave(*_inner.makeFile(tkFileManagerPosix::temporaryPathFor(file.path())),
-                            contents);
+            Posix::safeSave(*Posix::makeFile(temporaryPathFor(file.path())), contents);
             return false;
         }
-        return _inner.safeSave(file, contents);
+        return Posix::safeSave(file, contents);
     }
     std::unique_ptr<tkFile> makeFile(const std::string& path) override {
-        return std::make_unique<tkFaultyFile>(_inner.makeFile(path), _faults);
-    }
-    std::vector<std::string> listDirectory(const std::string& path) override {
-        return _inner.listDirectory(path);
+        return std::make_unique<tkFaultyFile>(Posix::makeFile(path), _faults);
     }
     int32_t openLocked(const std::string& path, int32_t mode) override {
         ++_faults->openLockedCalls;
-        return _inner.openLocked(path, mode);
+        return Posix::openLocked(path, mode);
     }
-    int32_t closeLocked(int32_t fd) override { return _inner.closeLocked(fd); }
-    std::string readFile(const tkFile& file) override { return _inner.readFile(file); }
     void replaceFile(const tkFile& file, const std::string& contents) override {
         ++_faults->writes;
-        const bool exists = _inner.exists(file);
+        const bool existed = exists(file);
         const std::string problem =
             _faults->diskFull ? "No space left on device"
             : _faults->createFails
                 ? "its folder does not allow a new file beside it (Permission denied)"
-            : exists && !isWritable(file) ? "Permission denied"
-                                          : "";
+            : existed && !isWritable(file) ? "Permission denied"
+                                           : "";
         if (!problem.empty()) {
             throw tkFileWriteException("Could not save " + file.path() + ": " + problem + ".");
         }
-        _faults->creates += exists ? 0 : 1;
-        _inner.replaceFile(file, contents);
+        _faults->creates += existed ? 0 : 1;
+        Posix::replaceFile(file, contents);
         _faults->replaced.push_back(file.path());
     }
     tkLockAttempt lockFile(const std::string& path, int32_t waitMillis) override {
         ++_faults->openLockedCalls;
-        return _inner.lockFile(path, waitMillis);
-    }
-    bool makePrivate(const tkFile& file) override { return _inner.makePrivate(file); }
-    int32_t sweepTemporaries(const std::string& folder,
-                             const std::vector<std::string>& names) override {
-        return _inner.sweepTemporaries(folder, names);
+        return Posix::lockFile(path, waitMillis);
     }
 
   private:
-    tkFileManagerPosix _inner;
     std::shared_ptr<tkFileFaults> _faults = std::make_shared<tkFileFaults>();
 };

@@ -8,6 +8,7 @@
 #include "records/tkRecord.h"
 #include "records/tkRecordText.h"
 #include "timesheet/tkTimeSheet.h"
+#include "timesheet/tkUndoManager.h"
 
 // Test helpers for the time sheet. Records are written as one line with '|' between the six
 // fields (date|duration|employee|job number|fee code|description), and the description is
@@ -33,6 +34,16 @@ inline std::string joined(const tkTimeSheet& sheet, const std::string& field = "
 
 inline std::vector<uint32_t> selected(const tkTimeSheet& sheet) {
     return *sheet.selection();
+}
+
+// The rows' descriptions, the selection, and the step undo would take back:
+// "a|b|c [2,0] Undo Delete".
+inline std::string view(tkTimeSheet& sheet) {
+    std::string rows;
+    for (uint32_t row : selected(sheet)) {
+        rows += (rows.empty() ? "" : ",") + std::to_string(row);
+    }
+    return joined(sheet) + " [" + rows + "] " + sheet.undoManager().getUndoPresentationName();
 }
 
 inline void select(tkTimeSheet& sheet, const std::vector<uint32_t>& rows) {

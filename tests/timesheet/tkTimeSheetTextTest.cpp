@@ -116,10 +116,8 @@ TEST(FileText, ABadLineAnywhereAddsNothing) {
         EXPECT_EQ(thrown([&] { sheet.readTabbedText(text); }), "StringFormatException|" + message);
         EXPECT_EQ(thrown([&] { sheet.addTabbedText(text); }), "StringFormatException|" + message);
         EXPECT_EQ(thrown([&] { sheet.pasteText(text); }), "StringFormatException|" + message);
-        EXPECT_EQ(joined(sheet), "kept") << bad;
-        EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{0})) << bad;
-        EXPECT_TRUE(recorder.empty()) << bad;
-        EXPECT_FALSE(sheet.isDirty() || sheet.undoManager().canUndo()) << bad;
+        EXPECT_EQ(view(sheet), "kept [0] Can't Undo") << bad;
+        EXPECT_FALSE(sheet.isDirty() || !recorder.empty()) << bad;
     }
 }
 
@@ -137,9 +135,8 @@ TEST(FileText, LoadPostsExactlyWhatTheUndoableAddPosts) {
         }
         undoable ? (void)sheet.addTabbedText(text) : sheet.readTabbedText(text);
         posts.push_back(recorder.names());
-        EXPECT_EQ(joined(sheet), "a|b|c");
-        EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{0, 2}));
-        EXPECT_EQ(sheet.undoManager().canUndo(), undoable);
+        EXPECT_EQ(view(sheet),
+                  undoable ? "a|b|c [0,2] Undo Add Entries" : "a|b|c [0,2] Can't Undo");
     }
     EXPECT_EQ(posts[0], posts[1]);
     EXPECT_EQ(posts[0].size(), 9u);
@@ -158,22 +155,19 @@ TEST(Paste, CopiedRowsComeBackAsOneStepBehindTheirEqualsAndSelected) {
                           line("3/1/20", "c") + "\n");
     const std::vector<uint32_t> rows = sheet.pasteText(copied);
     installDateFormatter(nullptr);
-    EXPECT_EQ(joined(sheet), "a|a|b|c|c|d|d");
     EXPECT_EQ(joined(sheet, "date"), "1/1/20|1/1/20|1/2/20|1/3/20|1/3/20|12/4/20|12/4/20");
-    EXPECT_EQ(rows, (std::vector<uint32_t>{1, 4, 6}));
-    EXPECT_EQ(selected(sheet), rows);
-    EXPECT_EQ(sheet.undoManager().getUndoPresentationName(), "Undo Add Entries");
+    EXPECT_EQ(rows, selected(sheet));
+    const std::string pasted = view(sheet);
+    EXPECT_EQ(pasted, "a|a|b|c|c|d|d [1,4,6] Undo Add Entries");
     sheet.undoManager().undo();
-    EXPECT_EQ(joined(sheet), "a|b|c|d");
-    EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{3, 0, 2}));
+    EXPECT_EQ(view(sheet), "a|b|c|d [3,0,2] Can't Undo");
     sheet.undoManager().redo();
-    EXPECT_EQ(selected(sheet), rows);
+    EXPECT_EQ(view(sheet), pasted);
 
     // Nothing to paste is still a step, "Add Entry"; one line without a line end is already
     // "Add Entries", and unsorted it goes last.
     EXPECT_TRUE(sheet.pasteText("\n\n").empty());
-    EXPECT_TRUE(selected(sheet).empty());
-    EXPECT_EQ(sheet.undoManager().getUndoPresentationName(), "Undo Add Entry");
+    EXPECT_EQ(view(sheet), "a|a|b|c|c|d|d [] Undo Add Entry");
     sheet.setSortBy("off");
     EXPECT_EQ(sheet.pasteText(line("1/1/20", "z")), (std::vector<uint32_t>{7}));
     EXPECT_EQ(sheet.undoManager().getUndoPresentationName(), "Undo Add Entries");
@@ -195,8 +189,7 @@ std::string fileText(const std::vector<std::string>& lines) {
 const std::vector<std::string> kMixedLines = {
     "3/1/20|1:00|bo|7|dev|c1", "1/1/20|2:00|al|10|Mtg|a1", "3/1/20|0:30|AL|9|dev|c2",
     "2/1/20|1:30|cy|7|mtg|b1", "1/1/20|0:15|bo|10|DEV|a2", "2/1/20|3:00|al|8|adm|b2",
-    "1/1/20|1:00|cy|9|mtg|a3", "3/1/20|2:30|bo|8|Adm|c3",
-};
+    "1/1/20|1:00|cy|9|mtg|a3", "3/1/20|2:30|bo|8|Adm|c3"};
 
 }  // namespace
 
