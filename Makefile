@@ -28,9 +28,24 @@ define ensure
 	fi
 endef
 
-.PHONY: all test sanitize bench fuzz format coverage clean
+.PHONY: all run screenshots test sanitize bench fuzz format coverage clean
 
 all: test
+
+# Builds and starts the application; make returns when it quits. Without a
+# display the application says so in one line and fails.
+run:
+	$(call ensure,$(BASE_PKGS))
+	cmake -S . -B build -DCMAKE_BUILD_TYPE=Debug $(CMAKE_FLAGS)
+	cmake --build build -j$(JOBS) --target chronolet-plus
+	./build/chronolet-plus
+
+# Renders the windows to PNG files under docs/screenshots, on a virtual display.
+screenshots:
+	$(call ensure,$(BASE_PKGS))
+	cmake -S . -B build -DCMAKE_BUILD_TYPE=Debug $(CMAKE_FLAGS)
+	cmake --build build -j$(JOBS) --target tk_screenshots
+	xvfb-run -a -s "-screen 0 1280x800x24" ./build/tk_screenshots docs/screenshots
 
 test:
 	$(call ensure,$(BASE_PKGS))
@@ -51,6 +66,8 @@ bench:
 	@for t in $$(tr ';' ' ' < build-bench/bench_targets.txt); do \
 	  echo "== $$t"; build-bench/bench/$$t || exit 1; \
 	done
+	@echo "== start-up of the application (Xvfb)"
+	xvfb-run -a -s "-screen 0 1280x800x24" bench/tkStartupBench.sh build-bench/chronolet-plus
 
 fuzz:
 	$(call ensure,$(FUZZ_PKGS))

@@ -15,6 +15,9 @@ struct tkTSErrorAnswer {
         ChooseAnother,  // picked an existing file in the open panel
         CreateNew,      // named a new file in the save panel
         Quit,
+        // Escape or the window's close button: no choice. The launch goes on
+        // without a time sheet, so the timers still come up.
+        Closed,
     };
     Action action = Action::Quit;
     std::string path;  // the panel's file, for the first two
@@ -30,8 +33,8 @@ class ItkAppFrontEnd {
     // The one error window. Not modal: shown and the caller goes on.
     virtual void showErrorDialog(const tkException& error, bool runModal) = 0;
 
-    // Runs the error window modally until the user picked a file or asked to
-    // quit. `directory` and `name` are where the file panels start.
+    // Runs the error window modally until the user picked a file, asked to
+    // quit or closed the window. `directory` and `name` are where the file panels start.
     virtual tkTSErrorAnswer runTimeSheetErrorWindow(tkTSErrorWindow which,
                                                     const std::string& directory,
                                                     const std::string& name) = 0;

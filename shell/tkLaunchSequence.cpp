@@ -90,7 +90,12 @@ void tkLaunchSequence::applicationDidFinishLaunching() {
     _frontEnd.loadTimeSheet();
     // 12. Attached a second time when openTimeSheet got to its end; the
     // second run of the handler finds the flag clear, so that is harmless.
-    tkAppState::instance().attachTimeSheetHandler();
+    // Deliberately not after an error window closed without a choice: the
+    // file it was about (unreadable, or another copy's) must not be written
+    // over with this run's empty sheet.
+    if (!_timeSheetAbandoned) {
+        tkAppState::instance().attachTimeSheetHandler();
+    }
 }
 
 bool tkLaunchSequence::takeOwnershipStep() {
@@ -220,6 +225,11 @@ void tkLaunchSequence::runErrorWindow(tkTSErrorWindow which) {
             _frontEnd.runTimeSheetErrorWindow(*window, present->directory(), present->name());
         if (answer.action == tkTSErrorAnswer::Action::Quit) {
             terminate();
+            return;
+        }
+        if (answer.action == tkTSErrorAnswer::Action::Closed) {
+            // No choice is not a quit: the launch goes on without a sheet.
+            _timeSheetAbandoned = true;
             return;
         }
         const bool chooseAnother = answer.action == tkTSErrorAnswer::Action::ChooseAnother;

@@ -21,7 +21,8 @@ class tkLaunchSequence {
     tkLaunchSequence(ItkAppFrontEnd& frontEnd, FileManagerFactory makeFileManager);
 
     // The twelve steps of the launch, in order. Returns early only when the
-    // user chose to quit from a time sheet error window.
+    // user chose to quit from a time sheet error window; a window closed
+    // without a choice lets the launch go on without a time sheet.
     void applicationDidFinishLaunching();
 
     // Saves the time sheet once more (changed or not) and detaches the
@@ -60,4 +61,6 @@ class tkLaunchSequence {
     FileManagerFactory _makeFileManager;
     bool _timerMenuIsChanging = false;
     bool _terminated = false;
+    // An error window was closed without a choice: this run has no sheet.
+    bool _timeSheetAbandoned = false;
 };

@@ -378,6 +378,28 @@ TEST_F(tkLaunchTest, QuitFromTheErrorWindowEndsTheLaunchWithoutTouchingTheSheet)
     EXPECT_EQ(home.readText(sheetPath()), "bad line\n");
 }
 
+// Escape or the close button in any of the three windows: the launch goes on
+// to the timers, and the file the window was about stays as it was, also
+// through the quit's rewrite.
+TEST_F(tkLaunchTest, ClosingTheErrorWindowWithoutAChoiceStillBringsUpTheTimers) {
+    home.writeText(sheetPath(), "bad line\n");
+    home.writeText(timersPath(), timersText({"Still here"}));
+    frontEnd.scriptAnswer({tkTSErrorAnswer::Action::Closed, ""});
+    testing::internal::CaptureStderr();
+    launch();
+    testing::internal::GetCapturedStderr();
+
+    EXPECT_FALSE(frontEnd.quitRequested());
+    EXPECT_FALSE(sequence->terminated());
+    EXPECT_EQ(frontEnd.eventsOf(Kind::ErrorWindow).size(), 1u);
+    EXPECT_EQ(frontEnd.eventsOf(Kind::LoadTimeSheet).size(), 1u);
+    ASSERT_EQ(tkTimerArray::instance().numTimers(), 1u);
+    EXPECT_EQ(tkTimerArray::instance().timerAt(0)->getTitle(), "Still here");
+    EXPECT_FALSE(timeSheetReady());
+    sequence->applicationWillTerminate();
+    EXPECT_EQ(home.readText(sheetPath()), "bad line\n");
+}
+
 TEST_F(tkLaunchTest, RespondToCodesOpensTheMatchingWindow) {
     launch();
     struct Case {
