@@ -17,6 +17,7 @@ class tkTestClock {
 
     void set(int64_t millis) { _now = millis; }
     void advance(int64_t millis) { _now += millis; }
+    void advanceSeconds(int64_t seconds) { _now += seconds * 1000; }
     int64_t now() const { return _now; }
 
   private:
