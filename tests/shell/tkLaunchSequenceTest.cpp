@@ -1,7 +1,6 @@
 #include "shell/tkLaunchSequence.h"
 
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/stat.h>
 
 #include "foundation/tkNotificationNames.h"
@@ -13,6 +12,7 @@
 #include "shell/tkDataLocks.h"
 #include "tests/platform/tkPlatformTestSupport.h"
 #include "tests/shell/tkShellTestSupport.h"
+#include "tests/support/tkLockHolder.h"
 #include "timers/tkHeadlessTimerUI.h"
 #include "timers/tkHeadlessTimerWindow.h"
 #include "timers/tkTimer.h"
@@ -22,7 +22,16 @@
 
 namespace {
 
-using tkLaunchTest = tkShellTest;
+class tkLaunchTest : public tkShellTest {
+  protected:
+    // A launch (over the faulty manager when `faults` is given) whose log stays out of the
+    // test's output; returns the log.
+    std::string quietLaunch(std::function<void(tkFileFaults&)> faults = nullptr) {
+        testing::internal::CaptureStderr();
+        faults ? launchFaulty(faults) : launch();
+        return testing::internal::GetCapturedStderr();
+    }
+};
 
 // ---- a normal start ----
 
@@ -85,28 +94,21 @@ TEST_F(tkLaunchTest, OnlyOldFilesAreReadAndLeftWhereTheyAre) {
     EXPECT_NE(written->find("Changed"), std::string::npos);
 }
 
-TEST_F(tkLaunchTest, NewFilesWinOverOldOnes) {
-    home.writeText(oldTimersPath(), timersText({"Old"}));
-    home.writeText(timersPath(), timersText({"New 1", "New 2", "New 3"}));
+// A new file wins even when it holds no timers; the old preferences are not read either.
+TEST_F(tkLaunchTest, NewFilesWinOverOldOnesEvenWithoutTimers) {
+    home.writeText(oldTimersPath(), timersText({"Old A", "Old B"}));
+    home.writeText(timersPath(), timersText({}));
     home.writeText(oldPreferencesPath(),
                    "<tkPreferences><singleWindowMode>false</singleWindowMode></tkPreferences>");
     home.writeText(preferencesPath(),
                    "<tkPreferences><timesheetOpen>false</timesheetOpen></tkPreferences>");
     launch();
-    EXPECT_EQ(tkTimerArray::instance().numTimers(), 3u);
-    EXPECT_EQ(tkTimerArray::instance().timerAt(0)->getTitle(), "New 1");
-    EXPECT_TRUE(tkPreferences::instance().isSingleWindowMode()) << "the old file was read";
-    EXPECT_FALSE(tkPreferences::instance().isTimeSheetOpen());
-    EXPECT_FALSE(noPreferencesFound());
-}
-
-TEST_F(tkLaunchTest, NewFileWithoutTimersBeatsAnOldOneWithTimers) {
-    home.writeText(oldTimersPath(), timersText({"Old A", "Old B"}));
-    home.writeText(timersPath(), timersText({}));
-    launch();
     tkTimerArray& timers = tkTimerArray::instance();
     ASSERT_EQ(timers.numTimers(), 1u) << "a fresh timer, none of the old ones";
     EXPECT_EQ(timers.timerAt(0)->getTitle(), "Timer 1");
+    EXPECT_TRUE(tkPreferences::instance().isSingleWindowMode());
+    EXPECT_FALSE(tkPreferences::instance().isTimeSheetOpen());
+    EXPECT_FALSE(noPreferencesFound());
 }
 
 // ---- broken files ----
@@ -164,9 +166,7 @@ TEST_F(tkLaunchTest, BadPreferencesAreSetAsideNamedAndDefaultsUsed) {
 
 TEST_F(tkLaunchTest, BadlyFormattedSheetShowsModalDialogThenReadWindow) {
     home.writeText(sheetPath(), "no tabs in this line\n");
-    testing::internal::CaptureStderr();
-    launch();
-    const std::string log = testing::internal::GetCapturedStderr();
+    const std::string log = quietLaunch();
     EXPECT_NE(log.find("Time sheet badly formatted.\n"), std::string::npos) << log;
     const auto& events = frontEnd.events();
     ASSERT_GE(events.size(), 2u);
@@ -183,9 +183,7 @@ TEST_F(tkLaunchTest, UnwritableSheetShowsWhyThenOpensTheReadWindow) {
     home.writeText(sheetPath(), row("mine"));
     ::chmod(sheetPath().c_str(), 0444);
     frontEnd.scriptAnswer({tkTSErrorAnswer::Action::CreateNew, home.path("fresh.txt")});
-    testing::internal::CaptureStderr();
-    launchFaulty([](tkFileFaults& faults) { faults.honourModeBits = true; });
-    const std::string log = testing::internal::GetCapturedStderr();
+    const std::string log = quietLaunch([](tkFileFaults& faults) { faults.honourModeBits = true; });
 
     EXPECT_NE(log.find("Cannot read the time sheet file.\n"), std::string::npos) << log;
     const auto dialogs = frontEnd.eventsOf(Kind::ErrorDialog);
@@ -223,9 +221,7 @@ TEST_F(tkLaunchTest, UnusableSheetPathIsNamedWithTheReasonAndTheAppComesUp) {
         EXPECT_EQ(
             inChild([&] {
                 frontEnd.scriptAnswer({tkTSErrorAnswer::Action::CreateNew, home.path("fresh.txt")});
-                testing::internal::CaptureStderr();
-                launch();
-                testing::internal::GetCapturedStderr();
+                quietLaunch();
                 const auto dialogs = frontEnd.eventsOf(Kind::ErrorDialog);
                 ASSERT_EQ(dialogs.size(), 1u);
                 EXPECT_EQ(dialogs[0].message, "Cannot read " + path + ": " + c.reason + ".");
@@ -312,30 +308,12 @@ TEST_F(tkLaunchTest, SecondCopyIsLockedOutAndTheFirstGoesOnUndisturbed) {
 TEST_F(tkLaunchTest, LockedSheetStillBringsUpTheTimersAfterTheWindowEnds) {
     home.writeText(sheetPath(), "");
     home.writeText(timersPath(), timersText({"Running on"}));
-    int ready[2];
-    ASSERT_EQ(::pipe(ready), 0);
-    const pid_t holder = ::fork();
-    if (holder == 0) {
-        // Another user's copy that shares the sheet: it holds the sheet's
-        // lock, not this user's data folder.
-        tkFileManagerPosix manager;
-        const char ok = manager.lockFile(timeSheetLockPath(sheetPath()), 0).fd >= 0 ? '1' : '0';
-        (void)!::write(ready[1], &ok, 1);
-        ::pause();
-        ::_exit(0);
-    }
-    char ok = 0;
-    ASSERT_EQ(::read(ready[0], &ok, 1), 1);
-    ASSERT_EQ(ok, '1');
-
-    // The user picks another file from the locked window.
+    // Another user's copy that shares the sheet: it holds the sheet's lock, not this user's
+    // data folder. The user picks another file from the locked window.
+    tkLockHolder otherCopy(sheetPath());
+    ASSERT_TRUE(otherCopy.holds());
     frontEnd.scriptAnswer({tkTSErrorAnswer::Action::CreateNew, home.path("other sheet.txt")});
-    testing::internal::CaptureStderr();
-    launch();
-    testing::internal::GetCapturedStderr();
-    ::kill(holder, SIGKILL);
-    ::waitpid(holder, nullptr, 0);
-
+    quietLaunch();
     EXPECT_FALSE(frontEnd.quitRequested());
     EXPECT_EQ(tkTimerArray::instance().timerAt(0)->getTitle(), "Running on");
     EXPECT_EQ(tkPreferences::instance().timeSheetFile(), home.path("other sheet.txt"));
@@ -351,10 +329,7 @@ TEST_F(tkLaunchTest, BadChoiceInTheErrorWindowBringsTheUserBack) {
     home.writeText("good.txt", row("from good"));
     frontEnd.scriptAnswer({tkTSErrorAnswer::Action::ChooseAnother, home.path("also bad.txt")});
     frontEnd.scriptAnswer({tkTSErrorAnswer::Action::ChooseAnother, home.path("good.txt")});
-    testing::internal::CaptureStderr();
-    launch();
-    testing::internal::GetCapturedStderr();
-
+    quietLaunch();
     const auto windows = frontEnd.eventsOf(Kind::ErrorWindow);
     ASSERT_EQ(windows.size(), 2u);
     EXPECT_EQ(windows[0].window, tkTSErrorWindow::Read);
@@ -367,37 +342,32 @@ TEST_F(tkLaunchTest, BadChoiceInTheErrorWindowBringsTheUserBack) {
     EXPECT_GE(timeSheetLock(), 0);
 }
 
-TEST_F(tkLaunchTest, QuitFromTheErrorWindowEndsTheLaunchWithoutTouchingTheSheet) {
-    home.writeText(sheetPath(), "bad line\n");
-    testing::internal::CaptureStderr();
-    launch();
-    testing::internal::GetCapturedStderr();
-    EXPECT_TRUE(frontEnd.quitRequested());
-    EXPECT_TRUE(sequence->terminated());
-    EXPECT_TRUE(frontEnd.eventsOf(Kind::LoadTimeSheet).empty());
-    EXPECT_EQ(home.readText(sheetPath()), "bad line\n");
-}
-
-// Escape or the close button in any of the three windows: the launch goes on
-// to the timers, and the file the window was about stays as it was, also
-// through the quit's rewrite.
-TEST_F(tkLaunchTest, ClosingTheErrorWindowWithoutAChoiceStillBringsUpTheTimers) {
-    home.writeText(sheetPath(), "bad line\n");
-    home.writeText(timersPath(), timersText({"Still here"}));
-    frontEnd.scriptAnswer({tkTSErrorAnswer::Action::Closed, ""});
-    testing::internal::CaptureStderr();
-    launch();
-    testing::internal::GetCapturedStderr();
-
-    EXPECT_FALSE(frontEnd.quitRequested());
-    EXPECT_FALSE(sequence->terminated());
-    EXPECT_EQ(frontEnd.eventsOf(Kind::ErrorWindow).size(), 1u);
-    EXPECT_EQ(frontEnd.eventsOf(Kind::LoadTimeSheet).size(), 1u);
-    ASSERT_EQ(tkTimerArray::instance().numTimers(), 1u);
-    EXPECT_EQ(tkTimerArray::instance().timerAt(0)->getTitle(), "Still here");
-    EXPECT_FALSE(timeSheetReady());
-    sequence->applicationWillTerminate();
-    EXPECT_EQ(home.readText(sheetPath()), "bad line\n");
+// Quit ends the launch after the timers are read; Escape or the close button goes on with it.
+// Either way the file
+// the window was about stays as it was, also through the quit's rewrite.
+TEST_F(tkLaunchTest, QuitOrClosingTheErrorWindowLeavesTheSheetAsItWas) {
+    for (const bool closed : {false, true}) {
+        EXPECT_EQ(inChild([&] {
+                      home.writeText(sheetPath(), "bad line\n");
+                      home.writeText(timersPath(), timersText({"Still here"}));
+                      if (closed) {
+                          frontEnd.scriptAnswer({tkTSErrorAnswer::Action::Closed, ""});
+                      }
+                      quietLaunch();
+                      EXPECT_EQ(frontEnd.quitRequested(), !closed);
+                      EXPECT_EQ(sequence->terminated(), !closed);
+                      EXPECT_EQ(frontEnd.eventsOf(Kind::ErrorWindow).size(), 1u);
+                      EXPECT_EQ(frontEnd.eventsOf(Kind::LoadTimeSheet).size(), closed ? 1u : 0u);
+                      EXPECT_EQ(tkTimerArray::instance().timerAt(0)->getTitle(), "Still here");
+                      EXPECT_FALSE(timeSheetReady());
+                      if (closed) {
+                          sequence->applicationWillTerminate();
+                      }
+                      EXPECT_EQ(home.readText(sheetPath()), "bad line\n");
+                  }),
+                  0)
+            << (closed ? "closed" : "quit");
+    }
 }
 
 TEST_F(tkLaunchTest, RespondToCodesOpensTheMatchingWindow) {
@@ -426,24 +396,29 @@ TEST_F(tkLaunchTest, RespondToCodesOpensTheMatchingWindow) {
 
 // ---- windows at launch ----
 
-TEST_F(tkLaunchTest, ClosingBothWindowsStillBringsBothBack) {
-    home.writeText(timersPath(), timersText({"A"}, false));
-    home.writeText(preferencesPath(),
-                   "<tkPreferences><timesheetOpen>false</timesheetOpen></tkPreferences>");
-    launch();
-    EXPECT_TRUE(tkTimerArray::instance().isTimerOpen());
-    EXPECT_TRUE(tkPreferences::instance().isTimeSheetOpen());
-    // Both changes are on disk for the next launch.
-    EXPECT_NE(home.readText(timersPath())->find("<timerOpen>true</timerOpen>"), std::string::npos);
-    EXPECT_NE(home.readText(preferencesPath())->find("<timesheetOpen>true</timesheetOpen>"),
-              std::string::npos);
-}
-
-TEST_F(tkLaunchTest, ClosedTimerWindowAloneStaysClosed) {
-    home.writeText(timersPath(), timersText({"A"}, false));
-    launch();
-    EXPECT_FALSE(tkTimerArray::instance().isTimerOpen());
-    EXPECT_TRUE(tkPreferences::instance().isTimeSheetOpen());
+// Both windows closed at the last quit come back, and both flags are saved for the next
+// launch; a closed timer window alone stays closed.
+TEST_F(tkLaunchTest, ClosedWindowsComeBackOnlyWhenBothWereClosed) {
+    for (const bool sheetClosed : {true, false}) {
+        EXPECT_EQ(
+            inChild([&] {
+                home.writeText(timersPath(), timersText({"A"}, false));
+                if (sheetClosed) {
+                    home.writeText(preferencesPath(),
+                                   "<tkPreferences><timesheetOpen>"
+                                   "false</timesheetOpen></tkPreferences>");
+                }
+                launch();
+                EXPECT_EQ(tkTimerArray::instance().isTimerOpen(), sheetClosed);
+                EXPECT_TRUE(tkPreferences::instance().isTimeSheetOpen());
+                if (sheetClosed) {
+                    EXPECT_TRUE(fileHas(timersPath(), "<timerOpen>true</timerOpen>"));
+                    EXPECT_TRUE(fileHas(preferencesPath(), "<timesheetOpen>true</timesheetOpen>"));
+                }
+            }),
+            0)
+            << sheetClosed;
+    }
 }
 
 // ---- shutdown ----
