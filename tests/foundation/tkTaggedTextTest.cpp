@@ -9,7 +9,7 @@
 #include "foundation/tkStrings.h"
 #include "foundation/tkTagNode.h"
 #include "foundation/tkTagParser.h"
-#include "tests/support/tkStdoutCapture.h"
+#include "tests/support/tkThrown.h"
 
 // The writer's layout keeps values exact and files readable: each child behind a newline and
 // one more tab than its parent's depth, a leaf on one line, the closing tag at the indent of
@@ -179,16 +179,12 @@ TEST(tkTagParser, AnUnmatchedTagIsAMalformedFile) {
     };
     tkTagParser parser;
     for (const auto& c : cases) {
-        tkStdoutCapture out;
-        std::string failure;
-        try {
-            parser.parse(c.input);
-        } catch (const tkMalformedFileException& e) {
-            failure = e.name() + "|" + e.message();
-        }
+        std::string log;
         const std::string message = "File has unmatched " + c.tag + " tag.";
-        EXPECT_EQ(failure, "Malformed file|" + message) << "input: " << c.input;
-        EXPECT_EQ(out.take(), "tkException Malformed file thrown: " + message + "\n") << c.input;
+        EXPECT_EQ(thrown<tkMalformedFileException>([&] { parser.parse(c.input); }, &log),
+                  "Malformed file|" + message)
+            << "input: " << c.input;
+        EXPECT_EQ(log, "tkException Malformed file thrown: " + message + "\n") << c.input;
         EXPECT_EQ(parser.parse("<ok>1</ok>")->text(), "1") << "after input: " << c.input;
     }
 }

@@ -15,6 +15,7 @@
 #include "platform/tkFilePosix.h"
 #include "tests/platform/tkPlatformTestSupport.h"
 #include "tests/support/tkTempHome.h"
+#include "tests/support/tkThrown.h"
 
 namespace {
 
@@ -32,17 +33,6 @@ class tkFileManagerPosixTest : public ::testing::Test {
         }
         return text;
     }
-    // The message of the IOException that `action` throws.
-    template <class Action>
-    static std::string failure(Action action) {
-        try {
-            action();
-        } catch (const IOException& e) {
-            return e.message();
-        }
-        return "no exception";
-    }
-
     tkTempHome home;
     tkFileManagerPosix manager;
 };
@@ -61,17 +51,15 @@ TEST_F(tkFileManagerPosixTest, CreatesPrivateFoldersAndEmptyFilesOrSaysWhatFaile
     EXPECT_EQ(home.readText("x/y/f.txt"), "");
     manager.createFile(*file("plain"));
     EXPECT_EQ(home.readText("plain"), "x");
-    EXPECT_EQ(failure([&] { manager.createFile(*file("plain/sub/f.txt")); }),
-              "Could not create directory.");
+    EXPECT_EQ(thrown<IOException>([&] { manager.createFile(*file("plain/sub/f.txt")); }),
+              "IOException|Could not create directory.");
     const std::string tooLong = home.path(std::string(300, 'n'));
-    EXPECT_EQ(failure([&] { manager.createFile(tkFilePosix(tooLong)); }),
-              "Could not create file " + tooLong + ".");
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(failure([&] { manager.checkReadable(*file("missing")); }),
-              "Cannot read file at: " + home.path("missing"));
-    EXPECT_EQ(testing::internal::GetCapturedStdout().find(
-                  "Cannot read file at: " + home.path("missing") + "\n"),
-              0u);
+    EXPECT_EQ(thrown<IOException>([&] { manager.createFile(tkFilePosix(tooLong)); }),
+              "IOException|Could not create file " + tooLong + ".");
+    std::string log;
+    EXPECT_EQ(thrown<IOException>([&] { manager.checkReadable(*file("missing")); }, &log),
+              "IOException|Cannot read file at: " + home.path("missing"));
+    EXPECT_EQ(log.find("Cannot read file at: " + home.path("missing") + "\n"), 0u);
 }
 
 TEST_F(tkFileManagerPosixTest, WritePermissionIsCheckedForAnOrdinaryUser) {
@@ -83,9 +71,9 @@ TEST_F(tkFileManagerPosixTest, WritePermissionIsCheckedForAnOrdinaryUser) {
         tkFileManagerPosix unprivileged;
         EXPECT_FALSE(unprivileged.isWritable(tkFilePosix(home.path("ro.txt"))));
         EXPECT_TRUE(unprivileged.isWritable(tkFilePosix(home.path("rw.txt"))));
-        EXPECT_EQ(
-            failure([&] { unprivileged.createWritableFile(tkFilePosix(home.path("ro.txt"))); }),
-            "Cannot write to file at: " + home.path("ro.txt"));
+        EXPECT_EQ(thrown<IOException>(
+                      [&] { unprivileged.createWritableFile(tkFilePosix(home.path("ro.txt"))); }),
+                  "IOException|Cannot write to file at: " + home.path("ro.txt"));
         EXPECT_EQ(home.readText("ro.txt"), "keep");
     });
 }

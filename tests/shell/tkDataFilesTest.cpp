@@ -217,12 +217,9 @@ TEST_F(tkDataFilesTest, WriteFileSafelyThrowsWhenTheSwapFailsAndKeepsBothVersion
     writeFileSafely("new codes", *fileFromPath(home.path("codes.txt")));
     EXPECT_EQ(home.readText("codes.txt"), "new codes");
     faulty->faults().swapFails = true;
-    try {
-        writeFileSafely("newer codes", *fileFromPath(home.path("codes.txt")));
-        FAIL() << "no exception";
-    } catch (const tkFileWriteException& e) {
-        EXPECT_EQ(e.message(), "Could not write to file codes.txt");
-    }
+    EXPECT_EQ(thrown<tkFileWriteException>(
+                  [&] { writeFileSafely("newer codes", *fileFromPath(home.path("codes.txt"))); }),
+              "FileWriteException|Could not write to file codes.txt");
     EXPECT_EQ(home.readText("codes.txt"), "new codes");
     EXPECT_EQ(home.readText("~codes.txt"), "newer codes");
 }

@@ -135,8 +135,6 @@ class tkCorruptTimersGuard {
     tkCorruptTimersGuard(const tkCorruptTimersGuard&) = delete;
     tkCorruptTimersGuard& operator=(const tkCorruptTimersGuard&) = delete;
 
-    // Plants a file at the fixed path, as an earlier crash would have.
-    void plant(const std::string& text) const { tkTestFiles::write(kPath, text); }
     std::optional<std::string> contents() const { return tkTestFiles::read(kPath); }
 
   private:

@@ -13,6 +13,7 @@
 #include "records/tkRecord.h"
 #include "tests/support/tkNotificationRecorder.h"
 #include "tests/support/tkStdoutCapture.h"
+#include "tests/support/tkThrown.h"
 #include "tests/timesheet/tkTimeSheetTestSupport.h"
 #include "timesheet/tkGroupStarts.h"
 #include "timesheet/tkSheetRecordSet.h"
@@ -50,16 +51,10 @@ TEST(TimeSheet, TotalsFollowTheSelectionAndRefuseRangesOutOfBounds) {
     EXPECT_THROW(sheet.recordAtRow(2), std::out_of_range);
     for (const auto& [from, to] :
          std::vector<std::pair<int32_t, int32_t>>{{1, 0}, {-1, 0}, {0, 2}}) {
-        tkStdoutCapture log;
-        std::string failure;
-        try {
-            sheet.totalDurationInRowRange(from, to);
-        } catch (const tkException& e) {
-            failure = e.name() + "|" + e.message();
-        }
-        EXPECT_EQ(failure,
+        std::string log;
+        EXPECT_EQ(thrown([&] { sheet.totalDurationInRowRange(from, to); }, &log),
                   "Invalid argument|totalDurationInRowRange called with invalid row range");
-        EXPECT_TRUE(startsWith(log.take(),
+        EXPECT_TRUE(startsWith(log,
                                "Error: totalDurationInRowRange called with invalid row "
                                "range: fromIndex: " +
                                    std::to_string(from) + " toIndex: " + std::to_string(to) +

@@ -32,6 +32,10 @@ QByteArray outputOf(const QString& program, const QStringList& arguments) {
     return process.readAllStandardOutput();
 }
 
+QStringList words(const char* line) {
+    return QString::fromLatin1(line).split(QLatin1Char(' '));
+}
+
 class tkClipboardX11Test : public tkUiTest {};
 
 TEST_F(tkClipboardX11Test, RowsTravelToAnotherProcessAndBack) {
@@ -67,18 +71,14 @@ TEST_F(tkClipboardX11Test, RowsTravelToAnotherProcessAndBack) {
     const uint32_t rows[] = {1, 2, 3};
     sheet.changeSelection(3, rows);
     delegate->timeSheetUI()->copy();
-    EXPECT_EQ(outputOf(xclip, {QStringLiteral("-o"), QStringLiteral("-selection"),
-                               QStringLiteral("clipboard"), QStringLiteral("-t"),
-                               QStringLiteral("text/tab-separated-values")})
+    EXPECT_EQ(outputOf(xclip, words("-o -selection clipboard -t text/tab-separated-values"))
                   .toStdString(),
               sheet.selectedRowsAsTabbedText(true));
 
     const QString text =
         QString::fromStdString(dateToDisplay("3/9/24") + "\t00:45:00\tXC\tJ-9\tAUD\tfrom xclip\n");
     QProcess owner;
-    owner.start(
-        xclip, {QStringLiteral("-quiet"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
-                QStringLiteral("-t"), QStringLiteral("text/plain"), QStringLiteral("-i")});
+    owner.start(xclip, words("-quiet -selection clipboard -t text/plain -i"));
     ASSERT_TRUE(owner.waitForStarted(kPatienceMillis));
     owner.write(text.toUtf8());
     owner.closeWriteChannel();
