@@ -164,71 +164,63 @@ TEST_F(tkLaunchTest, BadPreferencesAreSetAsideNamedAndDefaultsUsed) {
     EXPECT_EQ(tkTimerArray::instance().numTimers(), 1u);
 }
 
-TEST_F(tkLaunchTest, BadlyFormattedSheetShowsModalDialogThenReadWindow) {
-    home.writeText(sheetPath(), "no tabs in this line\n");
-    const std::string log = quietLaunch();
-    EXPECT_NE(log.find("Time sheet badly formatted.\n"), std::string::npos) << log;
-    const auto& events = frontEnd.events();
-    ASSERT_GE(events.size(), 2u);
-    EXPECT_EQ(events[0].kind, Kind::ErrorDialog);
-    EXPECT_TRUE(events[0].modal);
-    EXPECT_EQ(events[1].kind, Kind::ErrorWindow);
-    EXPECT_EQ(events[1].window, tkTSErrorWindow::Read);
-    EXPECT_EQ(events[1].directory, home.supportFolder());
-    EXPECT_EQ(events[1].fileName, "Test User's Time Sheet.txt");
-    EXPECT_EQ(home.readText(sheetPath()), "no tabs in this line\n") << "the bad file is kept";
-}
-
-TEST_F(tkLaunchTest, UnwritableSheetShowsWhyThenOpensTheReadWindow) {
-    home.writeText(sheetPath(), row("mine"));
-    ::chmod(sheetPath().c_str(), 0444);
-    frontEnd.scriptAnswer({tkTSErrorAnswer::Action::CreateNew, home.path("fresh.txt")});
-    const std::string log = quietLaunch([](tkFileFaults& faults) { faults.honourModeBits = true; });
-
-    EXPECT_NE(log.find("Cannot read the time sheet file.\n"), std::string::npos) << log;
-    const auto dialogs = frontEnd.eventsOf(Kind::ErrorDialog);
-    ASSERT_EQ(dialogs.size(), 1u);
-    EXPECT_TRUE(dialogs[0].modal);
-    EXPECT_EQ(dialogs[0].message, "Time sheet lacks write permissions " + sheetPath());
-    const auto windows = frontEnd.eventsOf(Kind::ErrorWindow);
-    ASSERT_EQ(windows.size(), 1u);
-    EXPECT_EQ(windows[0].window, tkTSErrorWindow::Read);
-    EXPECT_EQ(tkPreferences::instance().timeSheetFile(), home.path("fresh.txt"));
-    EXPECT_EQ(home.readText("fresh.txt"), "");
-    EXPECT_EQ(home.readText(sheetPath()), row("mine"));
-}
-
-// Whatever stands at the sheet's path, the user learns what and where, and
-// the application comes up with the file chosen instead.
-TEST_F(tkLaunchTest, UnusableSheetPathIsNamedWithTheReasonAndTheAppComesUp) {
+// Whatever stands at the sheet's path, a modal dialog says what and where, the read window
+// opens on that file, which stays as it was, and the application comes up with the file
+// chosen there instead.
+TEST_F(tkLaunchTest, UnusableSheetIsNamedWithTheReasonAndTheAppComesUpWithAnother) {
     struct Case {
         const char* name;
         int (*make)(const char* path);
-        const char* reason;
+        const char* before;  // the message: before + path + after
+        const char* after;
+        const char* log;
+        bool regularFile;
     };
+    const char* const notRegular = ": it is not a regular file (a device, pipe or socket).";
     const Case cases[] = {
-        {"folder", [](const char* p) { return ::mkdir(p, 0700); }, "it is a folder, not a file"},
-        {"pipe", [](const char* p) { return ::mkfifo(p, 0600); },
-         "it is not a regular file (a device, pipe or socket)"},
-        {"device", [](const char* p) { return ::symlink("/dev/zero", p); },
-         "it is not a regular file (a device, pipe or socket)"},
+        {"bad.txt", [](const char* p) { return tkTestFiles::write(p, "no tabs\n"), 0; },
+         "The time sheet ", " is badly formatted: Not enough tabs in line: no tabs",
+         "Time sheet badly formatted.", true},
+        {"unwritable.txt",
+         [](const char* p) { return tkTestFiles::write(p, row("a")), ::chmod(p, 0444); },
+         "Time sheet lacks write permissions ", "", "Cannot read the time sheet file.", true},
+        {"folder", [](const char* p) { return ::mkdir(p, 0700); }, "Cannot read ",
+         ": it is a folder, not a file.", "Cannot read the time sheet file.", false},
+        {"pipe", [](const char* p) { return ::mkfifo(p, 0600); }, "Cannot read ", notRegular,
+         "Cannot read the time sheet file.", false},
+        {"device", [](const char* p) { return ::symlink("/dev/zero", p); }, "Cannot read ",
+         notRegular, "Cannot read the time sheet file.", false},
     };
     for (const Case& c : cases) {
         const std::string path = home.path(c.name);
+        const std::string fresh = path + " instead.txt";
         ASSERT_EQ(c.make(path.c_str()), 0) << c.name;
+        const auto found = c.regularFile ? home.readText(path) : std::nullopt;
         home.writeText(preferencesPath(), "<tkPreferences><timeSheetFile>" + path +
                                               "</timeSheetFile></tkPreferences>");
-        EXPECT_EQ(
-            inChild([&] {
-                frontEnd.scriptAnswer({tkTSErrorAnswer::Action::CreateNew, home.path("fresh.txt")});
-                quietLaunch();
-                const auto dialogs = frontEnd.eventsOf(Kind::ErrorDialog);
-                ASSERT_EQ(dialogs.size(), 1u);
-                EXPECT_EQ(dialogs[0].message, "Cannot read " + path + ": " + c.reason + ".");
-                EXPECT_EQ(frontEnd.eventsOf(Kind::ErrorWindow).size(), 1u);
-                EXPECT_EQ(frontEnd.eventsOf(Kind::LoadTimeSheet).size(), 1u);
-            }),
-            0)
+        EXPECT_EQ(inChild([&] {
+                      frontEnd.scriptAnswer({tkTSErrorAnswer::Action::CreateNew, fresh});
+                      const std::string log =
+                          quietLaunch([](tkFileFaults& faults) { faults.honourModeBits = true; });
+                      EXPECT_NE(log.find(std::string(c.log) + "\n"), std::string::npos) << log;
+                      const auto& events = frontEnd.events();
+                      ASSERT_GE(events.size(), 2u);
+                      EXPECT_EQ(events[0].kind, Kind::ErrorDialog);
+                      EXPECT_TRUE(events[0].modal);
+                      EXPECT_EQ(events[0].message, c.before + path + c.after);
+                      EXPECT_EQ(events[1].kind, Kind::ErrorWindow);
+                      EXPECT_EQ(events[1].window, tkTSErrorWindow::Read);
+                      EXPECT_EQ(events[1].directory, home.root());
+                      EXPECT_EQ(events[1].fileName, c.name);
+                      EXPECT_EQ(frontEnd.eventsOf(Kind::ErrorWindow).size(), 1u);
+                      EXPECT_EQ(frontEnd.eventsOf(Kind::LoadTimeSheet).size(), 1u);
+                      EXPECT_EQ(tkPreferences::instance().timeSheetFile(), fresh);
+                      EXPECT_EQ(home.readText(fresh), "");
+                      if (c.regularFile) {
+                          EXPECT_EQ(home.readText(path), found);
+                      }
+                  }),
+                  0)
             << c.name;
     }
 }
