@@ -1,8 +1,10 @@
 #include "shell/tkAppState.h"
 
+#include "foundation/tkException.h"
 #include "foundation/tkNotificationNames.h"
 #include "preferences/tkPreferences.h"
 #include "shell/tkDataFiles.h"
+#include "shell/tkErrorReporting.h"
 #include "timers/tkTimerSettings.h"
 #include "timesheet/tkTimeSheet.h"
 
@@ -60,6 +62,11 @@ void tkAppState::detachTimersHandler() {
 void tkAppState::attachTimeSheetHandler() {
     tkNotificationCenter& center = tkNotificationCenter::instance();
     tkTimeSheet& sheet = tkTimeSheet::instance();
+    center.removeObserver(&_unsavedSheetWarning, kTimeSheetBecameDirty, &sheet);
+    if (_timeSheetHandlerAttached) {
+        return;
+    }
+    _timeSheetHandlerAttached = true;
     const tkHandler save = [](const tkNotification&) {
         if (!savesWait()) {
             saveTimeSheet();
@@ -67,4 +74,23 @@ void tkAppState::attachTimeSheetHandler() {
     };
     center.addObserver(this, save, kTimeSheetBecameDirty, &sheet);
     center.addObserver(this, save, kTimeSheetBulkChangeEnded, &sheet);
+}
+
+void tkAppState::warnWhileTimeSheetUnsaved() {
+    if (_timeSheetHandlerAttached) {
+        return;
+    }
+    tkObserver* const warning = &_unsavedSheetWarning;
+    tkNotificationCenter::instance().addObserver(
+        warning,
+        [warning](const tkNotification&) {
+            tkNotificationCenter::instance().removeObserver(warning, kTimeSheetBecameDirty,
+                                                            &tkTimeSheet::instance());
+            reportError(tkException(
+                "Time Sheet Not Saved",
+                "Chronolet Plus has no time sheet file in this run, so the entries added now "
+                "are not saved. To keep them, choose a time sheet file with Set\u2026 in the "
+                "Preferences: the entries are written to it at once."));
+        },
+        kTimeSheetBecameDirty, &tkTimeSheet::instance());
 }

@@ -22,9 +22,13 @@ class tkAppState : public tkObserver {
 
     // saveTimeSheet on "Time sheet became dirty." from the time sheet. There
     // is deliberately no detach: it stays to the end of the process. Attaching
-    // twice makes the handler run twice per post; the second run finds the
-    // flag clear and costs nothing.
+    // again changes nothing. It ends the warning below.
     void attachTimeSheetHandler();
+
+    // For a run that went on without a time sheet file: the first change to
+    // the sheet tells the user, once, that it is not being saved and how to
+    // keep it, since the time a timer added is gone from the timer.
+    void warnWhileTimeSheetUnsaved();
 
     tkAppState(const tkAppState&) = delete;
     tkAppState& operator=(const tkAppState&) = delete;
@@ -32,4 +36,8 @@ class tkAppState : public tkObserver {
   private:
     tkAppState();
     ~tkAppState() = default;
+
+    bool _timeSheetHandlerAttached = false;
+    // Observes apart from the save handlers, so it can go on its own.
+    tkObserver _unsavedSheetWarning;
 };

@@ -368,6 +368,9 @@ int32_t switchTimeSheet(const tkFile& file, bool load, bool create) {
     if (load || create) {
         sheet.setDirty(false);
     }
+    // A run that went on without a sheet has one from now on.
+    tkAppState::instance().attachTimeSheetHandler();
+    state().timeSheetReady = true;
     return 0;
 }
 
@@ -413,6 +416,10 @@ std::string moveCorruptTimers() {
     // Never deleted: when the shared place in /tmp is taken (anyone can plant
     // a file there), the file goes to a free name in the data folder instead.
     return setAside(tkPreferences::instance().timersFile(), kCorruptTimersPath);
+}
+
+bool isKeptAsFound(const std::string& path) {
+    return state().keptAsFound.count(path) != 0;
 }
 
 void keepAsFound(const std::string& path) {

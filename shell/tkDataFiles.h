@@ -86,6 +86,7 @@ std::string moveCorruptTimers();
 // The file at `path` could not be read: it is kept as it was found, and no
 // save writes it in this run. Nothing happens when no file is there.
 void keepAsFound(const std::string& path);
+bool isKeptAsFound(const std::string& path);
 
 // Removes the temporaries that saves of the timers and preferences files left
 // when their process was killed, and only those of processes that no longer
@@ -103,7 +104,8 @@ std::unique_ptr<tkFile> fileFromPath(const std::string& path);
 // is held.
 int32_t timeSheetLock();
 
-// Set at the end of openTimeSheet.
+// Set once a time sheet file is in use: at the end of openTimeSheet, or of a
+// switch that worked.
 bool timeSheetReady();
 void setTimeSheetReady(bool ready);
 

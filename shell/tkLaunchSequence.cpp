@@ -95,6 +95,8 @@ void tkLaunchSequence::applicationDidFinishLaunching() {
     // over with this run's empty sheet.
     if (!_timeSheetAbandoned) {
         tkAppState::instance().attachTimeSheetHandler();
+    } else {
+        tkAppState::instance().warnWhileTimeSheetUnsaved();
     }
 }
 

@@ -47,9 +47,10 @@ int32_t moveTimeSheet(const std::string& destination) {
     if (manager.exists(*target)) {
         return kTimeSheetTargetTaken;
     }
-    // Without the lock the old file may be another running copy's sheet: it
-    // is left where it is, and this copy simply goes on in the new place.
-    const bool ownsPresent = timeSheetLock() != -1;
+    // Without the lock the old file may be another running copy's sheet, and
+    // a file that could not be read holds rows this copy never had: either is
+    // left where it is, and this copy simply goes on in the new place.
+    const bool ownsPresent = timeSheetLock() != -1 && !isKeptAsFound(present->path());
     const int32_t code = switchTimeSheet(*target, false, true);
     if (code != 0) {
         // The switch may have made an empty file before it failed; it is

@@ -10,6 +10,8 @@
 #include "shell/tkAppState.h"
 #include "shell/tkDataFiles.h"
 #include "shell/tkDataLocks.h"
+#include "shell/tkErrorReporting.h"
+#include "shell/tkTimeSheetLocation.h"
 #include "tests/platform/tkPlatformTestSupport.h"
 #include "tests/shell/tkShellTestSupport.h"
 #include "tests/support/tkLockHolder.h"
@@ -328,8 +330,8 @@ TEST_F(tkLaunchTest, BadChoiceInTheErrorWindowBringsTheUserBack) {
     EXPECT_GE(timeSheetLock(), 0);
 }
 
-// Quit ends the launch after the timers are read; Escape or the close button goes on with it.
-// Either way the file
+// Quit ends the launch after the timers are read; Escape or the close button goes on with it,
+// and time added then is said to be unsaved until a file is chosen. Either way the file
 // the window was about stays as it was, also through the quit's rewrite.
 TEST_F(tkLaunchTest, QuitOrClosingTheErrorWindowLeavesTheSheetAsItWas) {
     for (const bool closed : {false, true}) {
@@ -347,6 +349,20 @@ TEST_F(tkLaunchTest, QuitOrClosingTheErrorWindowLeavesTheSheetAsItWas) {
                       EXPECT_EQ(tkTimerArray::instance().timerAt(0)->getTitle(), "Still here");
                       EXPECT_FALSE(timeSheetReady());
                       if (closed) {
+                          // Time added in such a run is said to be unsaved, once; choosing a
+                          // file keeps it, and the unreadable file stays as it was found.
+                          std::vector<std::string> told;
+                          setErrorReporter([&](const tkException& e) { told.push_back(e.name()); });
+                          tkTimeSheet::instance().addEntry(rowRecord("first"));
+                          tkTimeSheet::instance().addEntry(rowRecord("second"));
+                          EXPECT_EQ(told, std::vector<std::string>{"Time Sheet Not Saved"});
+                          const std::string chosen = home.supportFolder() + "/chosen.txt";
+                          EXPECT_EQ(moveTimeSheet(chosen), 0);
+                          tkTimeSheet::instance().addEntry(rowRecord("third"));
+                          EXPECT_EQ(told.size(), 1u);
+                          setErrorReporter(nullptr);
+                          EXPECT_EQ(home.readText(chosen),
+                                    row("first") + row("second") + row("third"));
                           sequence->applicationWillTerminate();
                       }
                       EXPECT_EQ(home.readText(sheetPath()), "bad line\n");
