@@ -254,7 +254,8 @@ TEST_F(tkLaunchTest, SecondCopyIsLockedOutAndTheFirstGoesOnUndisturbed) {
     const pid_t first = ::fork();
     ASSERT_GE(first, 0);
     if (first == 0) {
-        // The first copy: a full launch, then it waits, then it saves.
+        // The first copy: a full launch, then it waits (or sees this test end), then it saves.
+        ::close(proceed[1]);
         launch();
         const char ok = timeSheetLock() >= 0 ? '1' : '0';
         (void)!::write(ready[1], &ok, 1);
