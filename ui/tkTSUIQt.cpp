@@ -121,8 +121,13 @@ tkTSUIQt::tkTSUIQt()
 }
 
 tkTSUIQt::~tkTSUIQt() {
-    // The bridge goes first: nothing may reach a window half taken apart.
+    // The bridge goes first: nothing may reach a window half taken apart. Nor may a field
+    // that loses the focus while the children go (its editingFinished, its focus events).
     _modelObserver.reset();
+    for (QObject* child : findChildren<QObject*>()) {
+        child->disconnect(this);
+        child->removeEventFilter(this);
+    }
 }
 
 void tkTSUIQt::connectControls() {
