@@ -49,11 +49,9 @@ TEST_F(tkClipboardX11Test, RowsTravelToAnotherProcessAndBack) {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QString::fromLatin1(kUnderXvfb), QStringLiteral("1"));
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
-        // Deliberate, for the sanitizer build: on X11, Qt's start-up runs two system libraries
-        // that trip it without a fault of ours. The keyboard library copies a keymap name with
-        // strndup up to the very end of its buffer (legal, but not to strict string checks),
-        // and the D-Bus library keeps a buffer to the end. Both are let through; every other
-        // check stays.
+        // Deliberate, for the sanitizer build: on X11 Qt's start-up runs two system libraries
+        // that trip it with no fault of ours (the keyboard one's strndup to the end of a buffer,
+        // a buffer D-Bus keeps); only those two reports are let through.
         QString sanitizer = environment.value(QStringLiteral("ASAN_OPTIONS"));
         environment.insert(QStringLiteral("ASAN_OPTIONS"),
                            sanitizer.replace(QStringLiteral("strict_string_checks=1"),

@@ -4,7 +4,6 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QScreen>
-#include <map>
 
 #include "records/tkDuration.h"
 #include "records/tkKnownRecordItems.h"
@@ -191,41 +190,6 @@ TEST_F(tkTimerWindowTest, CodeFieldsCompleteAndEditTheTimersRecord) {
     tkKRIComboBoxDataSource employees("employee");
     EXPECT_EQ(employees.completedString(""), "");
     EXPECT_EQ(employees.rowCount(), tkKnownRecordItems::instance().count("employee"));
-}
-
-// A tick of a running timer repaints the time display and nothing else.
-TEST_F(tkTimerWindowTest, TickRepaintsOnlyTheTimeDisplay) {
-    tkTestClock clock;
-    launchShown();
-    click("startStopButton");
-    QTest::qWait(200);
-
-    struct PaintCounter : QObject {
-        std::map<QObject*, int> paints;
-        bool eventFilter(QObject* watched, QEvent* event) override {
-            if (event->type() == QEvent::Paint) {
-                ++paints[watched];
-            }
-            return false;
-        }
-    } counter;
-    QList<QWidget*> widgets = window()->findChildren<QWidget*>();
-    widgets.append(window());
-    for (QWidget* widget : widgets) {
-        widget->installEventFilter(&counter);
-    }
-    auto* display = part<QLineEdit>("timeDisplay");
-    for (int tick = 1; tick <= 3; ++tick) {
-        clock.advanceSeconds(1);
-        currentRefreshTicker()->fire();
-        ASSERT_TRUE(
-            QTest::qWaitFor([&] { return counter.paints[display] >= tick; }, kPatienceMillis));
-    }
-    QTest::qWait(100);
-    for (const auto& [widget, count] : counter.paints) {
-        EXPECT_TRUE(widget == display || count == 0)
-            << widget->objectName().toStdString() << " " << count;
-    }
 }
 
 }  // namespace
