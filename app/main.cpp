@@ -1,15 +1,13 @@
 // Chronolet Plus: the desktop application.
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
-#include "platform/tkLocalSocketPosix.h"
+#include "cli/tkCommandClient.h"
 #include "platform/tkUserInfoPosix.h"
 #include "preferences/tkPaths.h"
-#include "shell/tkCommandSocket.h"
 #include "shell/tkCommandWire.h"
+#include "shell/tkTimeSheetLocation.h"
 #include "ui/tkApplication.h"
 #include "ui/tkCLTAppDelegate.h"
 #include "ui/tkStartupProbe.h"
@@ -32,43 +30,27 @@ bool hasDisplay() {
 
 // The socket of this data folder, or an empty path when the private folder
 // for it is not safe to use.
-std::string commandSocketPath() {
-    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-    const tkCommandSocketPlace place =
-        commandSocketPlace(runtime != nullptr ? runtime : "", static_cast<uint32_t>(::getuid()),
-                           applicationSupportFolder());
-    if (place.privateFolder && !preparePrivateFolder(place.folder)) {
-        std::fprintf(stderr,
-                     "chronolet-plus: %s is not a private folder; a second start can't "
-                     "reach this one.\n",
-                     place.folder.c_str());
-        return {};
+std::string socketPathOrWarning() {
+    std::string problem;
+    const std::string path = commandSocketPath(&problem);
+    if (path.empty()) {
+        std::fprintf(stderr, "chronolet-plus: %s; a second start can't reach this one.\n",
+                     problem.c_str());
     }
-    return place.path;
+    return path;
 }
 
 // A copy already running for this data folder takes the request; this one
 // then ends. Returns true when it did.
 bool handedOver(const std::string& socketPath, int& exitCode) {
-    if (socketPath.empty()) {
+    tkCommandReply reply;
+    if (socketPath.empty() || handOverCommand(socketPath, {kReopenRequest}, kHandOffSeconds,
+                                              reply) != tkHandOff::Delivered) {
         return false;
     }
-    const tkLocalExchange exchange = exchangeOverLocalSocket(
-        socketPath, encodeRequest({kReopenRequest}),
-        [](const std::string& bytes) {
-            return decodeReply(bytes).status != tkWireStatus::Incomplete;
-        },
-        kHandOffSeconds);
-    if (exchange.status != tkLocalExchange::Status::Delivered) {
-        return false;
-    }
-    const tkDecodedReply reply = decodeReply(exchange.reply);
-    if (reply.status != tkWireStatus::Complete) {
-        return false;
-    }
-    std::fputs(reply.reply.out.c_str(), stdout);
-    std::fputs(reply.reply.err.c_str(), stderr);
-    exitCode = reply.reply.exitCode;
+    std::fputs(reply.out.c_str(), stdout);
+    std::fputs(reply.err.c_str(), stderr);
+    exitCode = reply.exitCode;
     return true;
 }
 
@@ -78,7 +60,7 @@ int main(int argc, char** argv) {
     tkStartupProbe::markProcessStart();
     setUserInfoSource(posixFullUserName, posixDataFolder);
 
-    const std::string socketPath = commandSocketPath();
+    const std::string socketPath = socketPathOrWarning();
     int exitCode = 0;
     if (handedOver(socketPath, exitCode)) {
         return exitCode;
@@ -94,7 +76,8 @@ int main(int argc, char** argv) {
     tkApplication application(argc, argv);
     tkApplication::setApplicationName(QStringLiteral("Chronolet Plus"));
     tkApplication::setOrganizationName(QStringLiteral("Tekamo"));
-    tkApplication::setDesktopFileName(QStringLiteral("chronolet-plus"));
+    // The name of the installed desktop entry, so that the desktop finds its icon and name.
+    tkApplication::setDesktopFileName(QString::fromUtf8(kApplicationIdentifier));
 
     int result = 0;
     {

@@ -29,7 +29,7 @@ target_compile_definitions(tk_ui PUBLIC
 file(GLOB TK_APP_SOURCES CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/app/*.cpp")
 if(TK_APP_SOURCES)
   add_executable(chronolet-plus ${TK_APP_SOURCES})
-  target_link_libraries(chronolet-plus PRIVATE tk_ui)
+  target_link_libraries(chronolet-plus PRIVATE tk_ui tk_cli_client)
   set_target_properties(chronolet-plus PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}")
 endif()
 

@@ -24,9 +24,6 @@ std::string toTabLine(const tkRecord& record) {
     return toTabLine(record, false);
 }
 
-namespace {
-
-// The six field texts of a line of exactly five tabs, as views into the line.
 std::array<std::string_view, 6> splitTabLine(std::string_view line) {
     // The count of tabs is checked in full before anything is read, so a bad line changes
     // nothing, not even the known code lists.
@@ -54,6 +51,8 @@ std::array<std::string_view, 6> splitTabLine(std::string_view line) {
     }
     return texts;
 }
+
+namespace {
 
 // The record of a line: a default record whose fields are then set one by one in field order,
 // each with its post (see tkRecord's constructor from field texts).

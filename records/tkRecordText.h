@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -12,6 +13,11 @@ class tkTagNode;
 // line end. With useDisplayDate the date goes through the installed date formatter.
 std::string toTabLine(const tkRecord& record, bool useDisplayDate);
 std::string toTabLine(const tkRecord& record);
+
+// The six field texts of a line of exactly five tabs, as views into the line. Throws
+// StringFormatException with "Not enough tabs in line: " or "Too many tabs in line: " and the
+// whole line.
+std::array<std::string_view, 6> splitTabLine(std::string_view line);
 
 // A new record from a line of exactly five tabs: a default record whose six fields are then
 // set in field order, each posting "Record was edited." as setField does. Throws

@@ -2,6 +2,9 @@
 
 #include <cstdio>
 
+#include "shell/tkCommandLine.h"
+#include "shell/tkCommandSession.h"
+
 namespace {
 
 // Room in a socket address (sun_path) for the path and its terminating NUL.
@@ -41,9 +44,6 @@ tkCommandSocketPlace commandSocketPlace(const std::string& runtimeFolder, uint32
 }
 
 tkCommandReply dispatchCommand(const std::vector<std::string>& words) {
-    tkCommandReply reply;
-    reply.exitCode = 1;
-    reply.err = words.empty() ? "chronolet: no command given\n"
-                              : "chronolet: unknown command: " + words[0] + "\n";
-    return reply;
+    tkCommandSession session(tkCommandSession::Host::RunningApplication);
+    return runCommand(words, session);
 }

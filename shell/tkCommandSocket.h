@@ -27,6 +27,8 @@ tkCommandSocketPlace commandSocketPlace(const std::string& runtimeFolder, uint32
                                         const std::string& dataFolder);
 
 // Runs one command line of the command-line tool inside the running
-// application. Every word list gets an answer; a command that doesn't exist
-// answers exit code 1 with a message on the error stream.
+// application, on its live models (see tkCommandLine.h). Every word list gets
+// an answer; a command that doesn't exist answers exit code 1 with a message
+// on the error stream. Every change is on disk before it returns, or the
+// answer says what was not saved.
 tkCommandReply dispatchCommand(const std::vector<std::string>& words);

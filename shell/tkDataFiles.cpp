@@ -36,6 +36,9 @@ struct DataLayerState {
     // Set during a switch, whose load brings new billing codes: the
     // preferences are written once, when they name the new sheet.
     bool preferenceSavesHeld = false;
+    // The sheet file's text that stands in front of the sheet's rows at every save, for a
+    // tool that adds rows without reading the file into the sheet; see openTimeSheetForAppending.
+    std::optional<std::string> sheetPrefix;
     // Files that could not be read in this run, never to be written over.
     std::set<std::string> keptAsFound;
     // File -> the failure last reported for it, so that each is told once.
@@ -99,9 +102,7 @@ void reportSaveFailure(const std::string& path, const tkException& error) {
         return;
     }
     last = error.message();
-    reportError(tkException(
-        kNotSavedTitle,
-        error.message() + " The change is kept, and is written at the next save that works."));
+    reportError(tkException(kNotSavedTitle, error.message() + kChangeKeptNote));
 }
 
 enum class Guard { DataFolder, TimeSheet };
@@ -268,26 +269,51 @@ void loadTimers() {
     tkAppState::instance().attachTimersHandler();
 }
 
-void openTimeSheet() {
+namespace {
+
+// The steps that come before the time sheet's rows: the file is made when missing and must be
+// writable, its lock is taken, and the temporaries that killed saves of it left are swept.
+// Returns the file.
+std::unique_ptr<tkFile> prepareTimeSheet(const std::string& path) {
     tkFileManager& manager = tkFileManager::instance();
-    const std::string path = tkPreferences::instance().timeSheetFile();
-    const std::unique_ptr<tkFile> file = manager.makeFile(path);
+    std::unique_ptr<tkFile> file = manager.makeFile(path);
     manager.createFile(*file);
     if (!manager.isWritable(*file)) {
         throw IOException("Time sheet lacks write permissions " + path);
     }
-    // Taken before the read and kept to the end of the run: the lock sits on
-    // a lock file that no save replaces, so it never needs dropping.
+    // Taken before the read and kept to the end of the run: the lock sits on a lock file that
+    // no save replaces, so it never needs dropping.
     requireTimeSheetLock(path);
     manager.sweepTemporaries(file->directory(), {file->name()});
-    if (manager.exists(*file)) {
+    return file;
+}
+
+void timeSheetOpened(const std::string& path) {
+    state().keptAsFound.erase(path);
+    tkAppState::instance().attachTimeSheetHandler();
+    state().timeSheetReady = true;
+}
+
+}  // namespace
+
+void openTimeSheet() {
+    const std::string path = tkPreferences::instance().timeSheetFile();
+    const std::unique_ptr<tkFile> file = prepareTimeSheet(path);
+    if (tkFileManager::instance().exists(*file)) {
         readRowsOf(path, readKeptOnFailure(*file));
     } else {
         tkTimeSheet::instance().setDirty(true);
     }
-    state().keptAsFound.erase(path);
-    tkAppState::instance().attachTimeSheetHandler();
-    state().timeSheetReady = true;
+    timeSheetOpened(path);
+}
+
+void openTimeSheetForAppending(std::string presentText) {
+    const std::string path = tkPreferences::instance().timeSheetFile();
+    prepareTimeSheet(path);
+    // Room for a few rows behind it, so that a save doesn't move the whole text.
+    presentText.reserve(presentText.size() + 4096);
+    state().sheetPrefix = std::move(presentText);
+    timeSheetOpened(path);
 }
 
 int32_t switchTimeSheet(const tkFile& file, bool load, bool create) {
@@ -405,9 +431,22 @@ void saveTimeSheet() {
     if (!sheet.isDirty() || state().sheetSavesHeld) {
         return;
     }
-    // The sheet keeps its file text between saves: no copy of it is made.
-    if (writeDataFile(tkPreferences::instance().timeSheetFile(), Guard::TimeSheet,
-                      [&sheet](std::string&) -> const std::string& { return sheet.fileText(); })) {
+    // The sheet keeps its file text between saves: no copy of it is made. Rows that stand
+    // behind a file's text never read into the sheet are put behind that text for the write
+    // and taken off again, which costs less than a copy of a large file's text.
+    std::optional<std::string>& prefix = state().sheetPrefix;
+    const size_t kept = prefix ? prefix->size() : 0;
+    if (prefix) {
+        *prefix += sheet.fileText();
+    }
+    const bool written = writeDataFile(tkPreferences::instance().timeSheetFile(), Guard::TimeSheet,
+                                       [&sheet, &prefix](std::string&) -> const std::string& {
+                                           return prefix ? *prefix : sheet.fileText();
+                                       });
+    if (prefix) {
+        prefix->resize(kept);
+    }
+    if (written) {
         sheet.setDirty(false);
     }
 }

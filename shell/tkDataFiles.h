@@ -28,6 +28,10 @@ class tkTagNode;
 // file for inspection.
 inline constexpr const char* kCorruptTimersPath = "/tmp/corrupt_timers.txt";
 
+// What the report of a failed save adds to the reason, for the user of a running copy.
+inline constexpr const char* kChangeKeptNote =
+    " The change is kept, and is written at the next save that works.";
+
 // The tagged tree of the file at `path`, or null when no file is there.
 // Throws tkMalformedFileException for broken tags, IOException naming the
 // file and the reason when it can't be read.
@@ -57,6 +61,15 @@ void loadTimers();
 // StringFormatException; a sheet that could not be read is kept as it was
 // found and not written in this run.
 void openTimeSheet();
+
+// For a tool that only adds rows behind those of the file, and so needn't read them: opens the
+// time sheet as openTimeSheet does, but keeps `presentText`, the file's content as read under
+// its lock, instead of reading it into the sheet; every save then writes that text followed by
+// the sheet's own rows.
+// REQUIRES: the sheet holds no rows; `presentText` is exactly what a save of its rows would
+// write, and every row added sorts behind all of them. Then each save writes what openTimeSheet
+// and the same additions would have written.
+void openTimeSheetForAppending(std::string presentText);
 
 // Moves the running application to another time sheet file and answers with
 // a code instead of an exception: 0 done, 1 can't create or read, 2 can't

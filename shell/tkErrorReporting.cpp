@@ -22,6 +22,10 @@ void setErrorReporter(tkErrorReporter reporter) {
     installedReporter() = std::move(reporter);
 }
 
+const tkErrorReporter& errorReporter() {
+    return installedReporter();
+}
+
 void reportError(const tkException& error) {
     try {
         if (installedReporter()) {

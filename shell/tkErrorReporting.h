@@ -13,6 +13,8 @@ using tkErrorReporter = std::function<void(const tkException& error)>;
 
 // An empty reporter restores the standard error one.
 void setErrorReporter(tkErrorReporter reporter);
+// The installed reporter; empty when errors go to standard error.
+const tkErrorReporter& errorReporter();
 
 // Hands the error to the installed reporter. A reporter that throws is
 // contained: reporting must never become a second failure.

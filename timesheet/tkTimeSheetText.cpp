@@ -15,6 +15,7 @@
 #include "records/tkRecordText.h"
 #include "timesheet/tkCompoundInsert.h"
 #include "timesheet/tkInsertCommand.h"
+#include "timesheet/tkSheetLines.h"
 #include "timesheet/tkTimeSheet.h"
 #include "timesheet/tkUndoManager.h"
 
@@ -22,23 +23,6 @@ namespace {
 
 // Splicing is always worth it for a small text.
 constexpr size_t kSpliceSlack = 1 << 16;
-
-// Calls f on every piece of text between separators, in order; pieces may be empty, and a text
-// that ends in the separator has an empty last piece. Walked in place rather than collected:
-// a large file has a piece per row, and a list of them is memory that a process keeps.
-template <class F>
-void forEachPiece(std::string_view text, char separator, F f) {
-    size_t start = 0;
-    while (true) {
-        const size_t end = text.find(separator, start);
-        if (end == std::string_view::npos) {
-            f(text.substr(start));
-            return;
-        }
-        f(text.substr(start, end - start));
-        start = end + 1;
-    }
-}
 
 void appendTabLine(std::string& out, const tkRecord& record) {
     // The same bytes as toTabLine(record, false) and a line feed. The file text is built from
@@ -241,18 +225,8 @@ std::unique_ptr<tkCompoundInsert> tkTimeSheet::addRecordsFromText(const std::str
 }
 
 tkRecordRows tkTimeSheet::parseLines(const std::string& text, bool displayDates) const {
-    // A file with carriage returns as line ends, or one line ending in one, has no line feed
-    // and more than one piece between carriage returns.
-    char separator = '\n';
-    size_t pieces = static_cast<size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
-    if (pieces == 1) {
-        const size_t byReturns =
-            static_cast<size_t>(std::count(text.begin(), text.end(), '\r')) + 1;
-        if (byReturns >= 2) {
-            separator = '\r';
-            pieces = byReturns;
-        }
-    }
+    const char separator = sheetLineSeparator(text);
+    const size_t pieces = static_cast<size_t>(std::count(text.begin(), text.end(), separator)) + 1;
     // Every line is parsed before the first row goes in, so a bad line adds nothing.
     tkRecordRows records;
     records.reserve(pieces);

@@ -92,7 +92,8 @@ TEST(tkCommandSocket, PlaceFollowsTheRuntimeFolderAndTheDataFolder) {
         EXPECT_TRUE(fallback.privateFolder);
     }
     EXPECT_EQ(dispatchCommand({"frobnicate"}).exitCode, 1);
-    EXPECT_EQ(dispatchCommand({"frobnicate"}).err, "chronolet: unknown command: frobnicate\n");
+    EXPECT_EQ(dispatchCommand({"frobnicate"}).err,
+              "chronolet: unknown command: frobnicate (see \"chronolet help\")\n");
 }
 
 }  // namespace

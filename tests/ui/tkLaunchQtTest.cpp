@@ -196,7 +196,7 @@ TEST_F(tkLaunchQtTest, SecondStartShowsTheTimeSheetAndOtherCommandsAreUnknown) {
     EXPECT_TRUE(tkPreferences::instance().isTimeSheetOpen());
     const tkCommandReply unknown = delegate->handleCommand({"report"});
     EXPECT_EQ(unknown.exitCode, 1);
-    EXPECT_EQ(unknown.err, "chronolet: unknown command: report\n");
+    EXPECT_EQ(unknown.err, "chronolet: unknown command: report (see \"chronolet help\")\n");
 
     tkNibLoader::showAboutWindow();
     tkNibLoader::showAboutWindow();
