@@ -7,7 +7,7 @@ FUZZ_MAX_LEN ?= 4096
 SUDO        := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 CMAKE_FLAGS ?=
 
-BASE_PKGS     := cmake make g++ libgtest-dev qt6-base-dev qt6-svg-dev xvfb xauth fonts-dejavu-core poppler-utils xclip
+BASE_PKGS     := cmake make g++ libgtest-dev qt6-base-dev qt6-svg-dev libxss-dev xvfb xauth fonts-dejavu-core poppler-utils xclip dbus-daemon
 BENCH_PKGS    := $(BASE_PKGS) libbenchmark-dev
 FUZZ_PKGS     := cmake make clang libclang-rt-14-dev
 FORMAT_PKGS   := clang-format

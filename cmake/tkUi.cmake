@@ -1,7 +1,10 @@
 # The Qt 6 layer: ui/ builds the static library tk_ui (moc, uic and rcc run
 # automatically), app/ the executable. Designer files and images live under
 # resources/, where AUTOUIC looks for the forms that ui/ includes.
-find_package(Qt6 REQUIRED COMPONENTS Widgets PrintSupport Network Svg)
+find_package(Qt6 REQUIRED COMPONENTS Widgets PrintSupport Network Svg DBus)
+# The X11 screen saver extension's client library, for the user's idle time on an X11
+# desktop. Without it the application still builds and asks the session bus alone.
+find_package(X11)
 
 file(GLOB TK_UI_SOURCES CONFIGURE_DEPENDS
   "${PROJECT_SOURCE_DIR}/ui/*.cpp" "${PROJECT_SOURCE_DIR}/ui/*.h")
@@ -22,7 +25,11 @@ set_target_properties(tk_ui PROPERTIES
   AUTOUIC_SEARCH_PATHS "${PROJECT_SOURCE_DIR}/resources")
 target_include_directories(tk_ui PUBLIC "${PROJECT_SOURCE_DIR}")
 target_link_libraries(tk_ui PUBLIC ${TK_ALL_LIBRARIES}
-  Qt6::Widgets Qt6::PrintSupport Qt6::Network Qt6::Svg)
+  Qt6::Widgets Qt6::PrintSupport Qt6::Network Qt6::Svg Qt6::DBus)
+if(X11_FOUND AND X11_Xss_FOUND)
+  target_link_libraries(tk_ui PRIVATE X11::X11 X11::Xss)
+  target_compile_definitions(tk_ui PRIVATE TK_HAVE_XSS)
+endif()
 target_compile_definitions(tk_ui PUBLIC
   TK_VERSION="${PROJECT_VERSION}" QT_NO_KEYWORDS)
 
@@ -36,7 +43,8 @@ endif()
 # Renders every window to PNG under a display (make screenshots).
 add_executable(tk_screenshots
   "${PROJECT_SOURCE_DIR}/tools/screenshots/tkScreenshots.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/screenshots/tkSupportScreenshots.cpp")
+  "${PROJECT_SOURCE_DIR}/tools/screenshots/tkSupportScreenshots.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/screenshots/tkExtrasScreenshots.cpp")
 target_link_libraries(tk_screenshots PRIVATE tk_ui)
 
 # The application's own version file, which the update check compares with

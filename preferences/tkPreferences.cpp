@@ -1,5 +1,7 @@
 #include "preferences/tkPreferences.h"
 
+#include <algorithm>
+
 #include "foundation/tkFileManager.h"
 #include "foundation/tkNotificationNames.h"
 #include "foundation/tkTagNode.h"
@@ -9,6 +11,15 @@
 #include "records/tkRecord.h"
 #include "records/tkRecordFields.h"
 #include "timesheet/tkTimeSheet.h"
+
+namespace {
+
+constexpr const char* kIdleCheckKey = "idleCheck";
+constexpr const char* kIdleMinutesKey = "idleMinutes";
+constexpr const char* kReportSubtotalsKey = "reportSubtotals";
+constexpr const char* kSheetSubtotalsKey = "timeSheetSubtotals";
+
+}  // namespace
 
 tkPreferences& tkPreferences::instance() {
     static tkPreferences preferences;
@@ -37,6 +48,10 @@ void tkPreferences::setDefaults() {
     _singleWindowMode = true;
     _timeSheetOpen = true;
     _timeSheetWorldWritable = true;
+    _idleCheckOn = true;
+    _idleMinutes = kDefaultIdleMinutes;
+    _reportSubtotals = false;
+    _sheetSubtotals = false;
     _dirty = false;
 }
 
@@ -72,6 +87,39 @@ void tkPreferences::setTimeSheetWorldWritable(bool value) {
         return;
     }
     _timeSheetWorldWritable = value;
+    markDirtyAndPost();
+}
+
+void tkPreferences::setIdleCheckOn(bool value) {
+    if (value == _idleCheckOn) {
+        return;
+    }
+    _idleCheckOn = value;
+    markDirtyAndPost();
+}
+
+void tkPreferences::setIdleMinutes(int32_t minutes) {
+    minutes = std::clamp(minutes, kMinIdleMinutes, kMaxIdleMinutes);
+    if (minutes == _idleMinutes) {
+        return;
+    }
+    _idleMinutes = minutes;
+    markDirtyAndPost();
+}
+
+void tkPreferences::setReportSubtotals(bool value) {
+    if (value == _reportSubtotals) {
+        return;
+    }
+    _reportSubtotals = value;
+    markDirtyAndPost();
+}
+
+void tkPreferences::setSheetSubtotals(bool value) {
+    if (value == _sheetSubtotals) {
+        return;
+    }
+    _sheetSubtotals = value;
     markDirtyAndPost();
 }
 
@@ -120,6 +168,20 @@ std::unique_ptr<tkTagNode> tkPreferences::toTag() const {
     node->addChild("timeSheetFile", _timeSheetFile);
     node->addChild(tkKnownRecordItems::instance().toTag());
     node->addChild(newFromDefault()->toTag());
+    // The later settings follow, each only when it differs from its default: the file of a
+    // user who never changed them stays byte for byte what earlier versions wrote.
+    if (!_idleCheckOn) {
+        node->addChild(kIdleCheckKey, _idleCheckOn);
+    }
+    if (_idleMinutes != kDefaultIdleMinutes) {
+        node->addChild(kIdleMinutesKey, _idleMinutes);
+    }
+    if (_reportSubtotals) {
+        node->addChild(kReportSubtotalsKey, _reportSubtotals);
+    }
+    if (_sheetSubtotals) {
+        node->addChild(kSheetSubtotalsKey, _sheetSubtotals);
+    }
     return node;
 }
 
@@ -137,6 +199,11 @@ void tkPreferences::fromTag(const tkTagNode& node) {
         const tkRecord loaded(*record);
         setDefaultRecord(loaded);
     }
+    _idleCheckOn = node.childBool(kIdleCheckKey, _idleCheckOn);
+    _idleMinutes = static_cast<int32_t>(std::clamp<int64_t>(
+        node.childLongLong(kIdleMinutesKey, _idleMinutes), kMinIdleMinutes, kMaxIdleMinutes));
+    _reportSubtotals = node.childBool(kReportSubtotalsKey, _reportSubtotals);
+    _sheetSubtotals = node.childBool(kSheetSubtotalsKey, _sheetSubtotals);
     // Validated and kept; the time sheet starts every launch with its own key.
     _sortBy = node.childText("sortBy", "");
     if (!isFieldName(_sortBy)) {

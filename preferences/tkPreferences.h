@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -32,6 +33,28 @@ class tkPreferences : public ItkXMLCreatable, public tkObserver {
     // Posts only when the value changes. Stored and shown; it deliberately
     // has no effect on the file's permissions.
     void setTimeSheetWorldWritable(bool value);
+
+    // Asking about time away: while a timer runs and the user has been away this many minutes,
+    // the application asks on return what to do with the idle time. The check can be turned off
+    // and keeps its minutes for when it is turned on again. Both setters post only on a change;
+    // minutes are kept within kMinIdleMinutes..kMaxIdleMinutes.
+    static constexpr int32_t kDefaultIdleMinutes = 10;
+    static constexpr int32_t kMinIdleMinutes = 1;
+    static constexpr int32_t kMaxIdleMinutes = 24 * 60;
+    bool isIdleCheckOn() const { return _idleCheckOn; }
+    void setIdleCheckOn(bool value);
+    int32_t idleMinutes() const { return _idleMinutes; }
+    void setIdleMinutes(int32_t minutes);
+    // The minutes while the check is on, 0 while it is off.
+    int32_t idleThresholdMinutes() const { return _idleCheckOn ? _idleMinutes : 0; }
+
+    // A subtotal after each group of equal sort key, in the printed report and in the time sheet
+    // window; both off by default, so that the plain report stays as it always was. The setters
+    // post only on a change.
+    bool isReportSubtotals() const { return _reportSubtotals; }
+    void setReportSubtotals(bool value);
+    bool isSheetSubtotals() const { return _sheetSubtotals; }
+    void setSheetSubtotals(bool value);
 
     // Always the default place: the timers file is not in the tagged form.
     std::string timersFile() const { return _timersFile; }
@@ -80,4 +103,8 @@ class tkPreferences : public ItkXMLCreatable, public tkObserver {
     bool _timeSheetWorldWritable = true;
     std::string _timeSheetFile;
     std::string _sortBy;
+    bool _idleCheckOn = true;
+    int32_t _idleMinutes = kDefaultIdleMinutes;
+    bool _reportSubtotals = false;
+    bool _sheetSubtotals = false;
 };

@@ -23,6 +23,10 @@ tkPrintTimeSheetLayout::tkPrintTimeSheetLayout(tkReportSnapshot snapshot, bool o
     _columnWidths.assign(_numColumns, 0.0);
     _minColumnWidths.assign(_numColumns, 0.0);
     _rowHeights.assign(_numRows, 0.0);
+    _subtotalRows.assign(_numRows, false);
+    for (uint32_t row : snapshot.subtotalRows) {
+        _subtotalRows.at(row) = true;
+    }
     // Only the last column wraps in a report; the others keep the table's single line.
     _cellWraps.assign(_numColumns, !_onlyLastColumnWraps);
     if (_numColumns > 0) {
@@ -33,7 +37,8 @@ tkPrintTimeSheetLayout::tkPrintTimeSheetLayout(tkReportSnapshot snapshot, bool o
     _footer.setFrameOrigin({_origin.x, -_footer.frame().height});
     _footer.setDurationString(snapshot.durationString);
     _header.setDateOffset(0.0);
-    _footer.setEntryCountString(std::to_string(_numRows));
+    // Entries only: subtotal rows are not entries.
+    _footer.setEntryCountString(std::to_string(snapshot.entryCount()));
 }
 
 void tkPrintTimeSheetLayout::setFrame(const tkRect& rect) {

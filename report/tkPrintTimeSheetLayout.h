@@ -121,6 +121,8 @@ class tkPrintTimeSheetLayout {
     const std::vector<double>& rowHeights() const { return _rowHeights; }
     const std::string& cellText(int32_t column, int32_t row) const { return _data[column][row]; }
     bool cellWraps(int32_t column) const { return _cellWraps[column]; }
+    // A row that carries a group's subtotal, drawn as a band of its own.
+    bool isSubtotalRow(int32_t row) const { return _subtotalRows[row]; }
     bool onlyLastColumnWraps() const { return _onlyLastColumnWraps; }
 
   private:
@@ -128,6 +130,7 @@ class tkPrintTimeSheetLayout {
 
     std::vector<std::vector<std::string>> _data;
     std::vector<bool> _cellWraps;
+    std::vector<bool> _subtotalRows;
     const ItkTextMeasurer* _cellMeasurer = nullptr;
     tkSize _intercellSpacing;
     int32_t _numPages = 0;

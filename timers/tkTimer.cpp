@@ -1,5 +1,7 @@
 #include "timers/tkTimer.h"
 
+#include <algorithm>
+
 #include "foundation/tkClock.h"
 #include "foundation/tkNotificationCenter.h"
 #include "foundation/tkNotificationNames.h"
@@ -140,6 +142,23 @@ void tkTimer::setTime(const tkDuration& duration) {
         foldRun();
     }
     priorRunningTime_ = static_cast<int64_t>(duration.totalSeconds()) * 1000;
+    dirty_ = true;
+    post();
+}
+
+void tkTimer::subtractTime(int64_t millis) {
+    if (millis <= 0) {
+        return;
+    }
+    const int64_t fromPrior = std::clamp<int64_t>(priorRunningTime_, 0, millis);
+    priorRunningTime_ -= fromPrior;
+    if (started_) {
+        // The rest comes off the present run by starting it later, but never after now: the
+        // run can shrink to nothing, not below.
+        const int64_t now = currentTimeMillis();
+        const int64_t run = std::max<int64_t>(subtractWrapping(now, startTime_), 0);
+        startTime_ = now - (run - std::min(run, millis - fromPrior));
+    }
     dirty_ = true;
     post();
 }

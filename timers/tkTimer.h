@@ -64,6 +64,10 @@ class tkTimer : public ItkXMLCreatable {
     // Stops a running timer first (one post), then stands at the duration's
     // whole seconds (a second post).
     void setTime(const tkDuration& duration);
+    // Takes millis off the elapsed time, never below zero, and leaves the timer running or
+    // stopped as it was: a running timer's present run is shortened once its collected time is
+    // used up. One post. Nothing for millis of zero or less.
+    void subtractTime(int64_t millis);
     // Seconds and today's date into the timer's own record, a copy of it to the
     // time sheet, then the timer resets as clear() does.
     void addToTimeSheet();

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QKeySequence>
 #include <QMenu>
+#include <QTimer>
 #include <QWidget>
 #include <iostream>
 
@@ -22,6 +23,8 @@
 #include "ui/tkDateFormatterQt.h"
 #include "ui/tkEditMenu.h"
 #include "ui/tkErrorDisplay.h"
+#include "ui/tkIdleMonitorQt.h"
+#include "ui/tkIdleSources.h"
 #include "ui/tkMainMenu.h"
 #include "ui/tkNibLoader.h"
 #include "ui/tkRefreshTickerQt.h"
@@ -29,6 +32,7 @@
 #include "ui/tkTSUIQt.h"
 #include "ui/tkTimeSheetReport.h"
 #include "ui/tkTimerWindowQtC.h"
+#include "ui/tkTrayIconQt.h"
 #include "ui/tkUpdateCheck.h"
 
 namespace {
@@ -138,6 +142,30 @@ void tkCLTAppDelegate::applicationDidFinishLaunching() {
         // window to come up instead: never start with nothing on screen.
         showTimeSheetWindow();
     }
+    if (!terminated()) {
+        // After the launch, from the event loop: asking the desktop for its idle time and its
+        // tray holds up nothing the user waits for.
+        QTimer::singleShot(0, this, &tkCLTAppDelegate::startDesktopServices);
+    }
+}
+
+void tkCLTAppDelegate::startDesktopServices() {
+    if (idleMonitor_ != nullptr) {
+        return;
+    }
+    idleMonitor_ = new tkIdleMonitorQt(desktopIdleSource(), this);
+    tray_ = new tkTrayIconQt({[] {
+                                  tkTimerArray& timers = tkTimerArray::instance();
+                                  timers.setTimerOpen(true);
+                                  timers.showFront(true);
+                              },
+                              [this] { showTimeSheetWindow(); }, [this] { terminate(); }},
+                             this);
+    if (tray_->showInTray()) {
+        // The icon keeps the application within reach: closing its last window leaves it
+        // running there, and the tray's menu quits it.
+        QApplication::setQuitOnLastWindowClosed(false);
+    }
 }
 
 void tkCLTAppDelegate::applicationWillTerminate() {
@@ -199,8 +227,10 @@ tkCommandReply tkCLTAppDelegate::handleCommand(const std::vector<std::string>& w
 }
 
 void tkCLTAppDelegate::closeAllWindows() {
-    // The windows built on demand belong to objects that delete them.
+    // The windows built on demand belong to objects that delete them, and so does the
+    // tray's.
     tkNibLoader::releaseWindows();
+    tkTrayIconQt::takeAllOutOfTray();
     QList<QPointer<QWidget>> windows;
     // Only windows without a parent: the others (a combo box's popup, a
     // sheet) go with their parents, which still point at them.

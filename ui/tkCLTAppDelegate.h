@@ -15,12 +15,14 @@ class tkCommandServerQt;
 class tkErrorDisplay;
 class tkTSUIQt;
 class tkTimeSheetReport;
+class tkIdleMonitorQt;
+class tkTrayIconQt;
 
 // The application's side of the launch and shutdown: it installs the Qt
 // forms of the core's seams (timer windows, the refresh ticker, the date
 // formatter, the error reporter), runs the core's launch sequence as its
-// front end, owns the menu items that belong to no window, and answers a
-// second start of the program.
+// front end, owns the menu items that belong to no window, the idle time
+// question and the tray icon, and answers a second start of the program.
 class tkCLTAppDelegate : public QObject, public ItkAppFrontEnd {
     Q_OBJECT
 
@@ -45,6 +47,10 @@ class tkCLTAppDelegate : public QObject, public ItkAppFrontEnd {
     // when another process serves it or this one doesn't own the data folder.
     bool startCommandServer(const std::string& socketPath);
     tkCommandReply handleCommand(const std::vector<std::string>& words);
+
+    // Null until startDesktopServices() ran.
+    tkIdleMonitorQt* idleMonitor() const { return idleMonitor_; }
+    tkTrayIconQt* trayIcon() const { return tray_; }
 
     // Deletes every window while Qt still runs; call after the event loop.
     static void closeAllWindows();
@@ -76,6 +82,8 @@ class tkCLTAppDelegate : public QObject, public ItkAppFrontEnd {
     void checkForUpdates();
     // Ends a modal window first, then quits.
     void terminate();
+    // The question about idle time and the tray icon; once, after the launch.
+    void startDesktopServices();
 
   private:
     void installPlatform();
@@ -86,4 +94,6 @@ class tkCLTAppDelegate : public QObject, public ItkAppFrontEnd {
     QPointer<tkErrorDisplay> errorDisplay_;
     tkCommandServerQt* commandServer_ = nullptr;
     std::unique_ptr<tkTimeSheetReport> report_;
+    tkIdleMonitorQt* idleMonitor_ = nullptr;
+    tkTrayIconQt* tray_ = nullptr;
 };

@@ -12,6 +12,10 @@ tkCompletingComboBox::tkCompletingComboBox(QWidget* parent) : QComboBox(parent) 
     // The box's own completer would pick rows and rank matches; completion
     // follows the code list's order instead (userTyped).
     setCompleter(nullptr);
+    // The box's width must not come from its items: measuring every code of a
+    // long list (one per job ever billed) would cost each window its opening.
+    setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    setMinimumContentsLength(6);
     connect(lineEdit(), &QLineEdit::textEdited, this, &tkCompletingComboBox::userTyped);
     // Keys reach the line edit through the box or, from a test, directly.
     lineEdit()->installEventFilter(this);

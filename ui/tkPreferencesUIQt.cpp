@@ -1,11 +1,14 @@
 #include "ui/tkPreferencesUIQt.h"
 
 #include <QFileDialog>
+#include <QSignalBlocker>
 #include <QWidget>
 
 #include "foundation/tkFile.h"
 #include "preferences/tkPreferences.h"
 #include "shell/tkTimeSheetLocation.h"
+#include "ui/tkIdleSources.h"
+#include "ui/tkNibLoader.h"
 #include "ui_preferences.h"
 
 namespace {
@@ -16,6 +19,10 @@ const char* const kMoveFailedMessage =
     "Could not move time sheet file to that location; perhaps you don't have write privileges "
     "in that directory?  Please try changing permissions for that directory using the Finder, "
     "or try again in a different directory.";
+
+const char* const kIdleUnavailableText =
+    "Idle time can't be told on this desktop: it offers neither the X11 screen saver extension "
+    "nor an idle time service on the session bus.";
 
 }  // namespace
 
@@ -51,6 +58,7 @@ tkPreferencesUIQt::tkPreferencesUIQt(QObject* parent)
     connect(_form->restoreDefaultsButton, &QPushButton::clicked, this,
             &tkPreferencesUIQt::restoreDefaults);
     connect(_form->closeButton, &QPushButton::clicked, this, &tkPreferencesUIQt::dismissWindow);
+    connectExtras();
     refresh();
 }
 
@@ -72,6 +80,15 @@ void tkPreferencesUIQt::refresh() {
     _form->singleWindowCheckBox->setChecked(preferences.isSingleWindowMode());
     // Inverted on purpose: a protected sheet is one that isn't world-writable.
     _form->timesheetProtected->setChecked(!preferences.isTimeSheetWorldWritable());
+    _form->idleCheckBox->setEnabled(_idleDetectable);
+    _form->idleCheckBox->setChecked(_idleDetectable && preferences.isIdleCheckOn());
+    const QSignalBlocker quiet(_form->idleMinutesSpin);
+    _form->idleMinutesSpin->setValue(preferences.idleMinutes());
+    _form->idleMinutesSpin->setEnabled(_idleDetectable && preferences.isIdleCheckOn());
+    _form->reportSubtotalsCheckBox->setChecked(preferences.isReportSubtotals());
+    _form->sheetSubtotalsCheckBox->setChecked(preferences.isSheetSubtotals());
+    // Only where there is a time sheet window to show them.
+    _form->sheetSubtotalsCheckBox->setVisible(tkNibLoader::hasTimeSheetWindow());
 }
 
 void tkPreferencesUIQt::displaySavePanel() {
@@ -115,6 +132,29 @@ void tkPreferencesUIQt::setSingleWindowMode() {
 
 void tkPreferencesUIQt::setTimesheetProtectedValue() {
     tkPreferences::instance().setTimeSheetWorldWritable(!_form->timesheetProtected->isChecked());
+}
+
+void tkPreferencesUIQt::connectExtras() {
+    // Idle time can only be asked about where the desktop tells it; elsewhere the setting is
+    // shown disabled with the reason, and kept for a desktop that does.
+    const std::unique_ptr<ItkIdleSource> source = desktopIdleSource();
+    _idleDetectable = source != nullptr;
+    _form->idleUnavailableLabel->setText(QString::fromLatin1(kIdleUnavailableText));
+    _form->idleUnavailableLabel->setVisible(!_idleDetectable);
+    _form->idleCheckBox->setToolTip(_idleDetectable ? QStringLiteral("Idle time comes from ") +
+                                                          QString::fromStdString(source->name()) +
+                                                          QLatin1Char('.')
+                                                    : QString::fromLatin1(kIdleUnavailableText));
+    connect(_form->idleCheckBox, &QCheckBox::clicked, this, [this](bool checked) {
+        tkPreferences::instance().setIdleCheckOn(checked);
+        refresh();
+    });
+    connect(_form->idleMinutesSpin, &QSpinBox::valueChanged, this,
+            [](int minutes) { tkPreferences::instance().setIdleMinutes(minutes); });
+    connect(_form->reportSubtotalsCheckBox, &QCheckBox::clicked, this,
+            [](bool checked) { tkPreferences::instance().setReportSubtotals(checked); });
+    connect(_form->sheetSubtotalsCheckBox, &QCheckBox::clicked, this,
+            [](bool checked) { tkPreferences::instance().setSheetSubtotals(checked); });
 }
 
 void tkPreferencesUIQt::restoreDefaults() {

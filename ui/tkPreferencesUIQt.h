@@ -13,9 +13,10 @@ class preferences;
 }
 
 // The preferences window: where the time sheet file lies (shortened to fit,
-// with Set… to move it), single window mode, the time sheet's protection, and
-// Restore Defaults. Every value lives in tkPreferences; this shows them and
-// forwards the user's changes. Built from the "preferences" form.
+// with Set… to move it), single window mode, the time sheet's protection, the
+// question about idle time, subtotals by group, and Restore Defaults. Every value lives in
+// tkPreferences; this shows them and forwards the user's changes. Built from the "preferences"
+// form.
 //
 // It is refreshed once when built and otherwise only by refresh(): showing
 // it again doesn't re-read the preferences.
@@ -32,8 +33,9 @@ class tkPreferencesUIQt : public QObject {
 
     // Brings the window to the front.
     void show();
-    // Shows the location, and the two check boxes as the preferences hold
-    // them; the protection box is ticked when the sheet is not world-writable.
+    // Shows the location and every setting as the preferences hold them; the
+    // protection box is ticked when the sheet is not world-writable, and the
+    // idle setting is disabled where the desktop can't tell idle time.
     void refresh();
 
   public Q_SLOTS:
@@ -52,10 +54,12 @@ class tkPreferencesUIQt : public QObject {
 
   private:
     void savePanelDidEnd(int result);
+    void connectExtras();
 
     std::unique_ptr<QWidget> _window;
     std::unique_ptr<Ui::preferences> _form;
     tkWindowErrors _errors;
     QFileDialog* _sPanel = nullptr;
     QString _chosenFile;
+    bool _idleDetectable = false;
 };

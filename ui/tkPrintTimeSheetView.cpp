@@ -1,6 +1,8 @@
 #include "ui/tkPrintTimeSheetView.h"
 
+#include <QColor>
 #include <QPainter>
+#include <QPen>
 #include <QPrinter>
 #include <algorithm>
 #include <limits>
@@ -82,10 +84,30 @@ void tkPrintTimeSheetView::drawRect(QPainter& painter, const tkRect& page) {
     // so that it takes exactly the lines its row was given.
     const double measuredRoom =
         _layout.onlyLastColumnWraps() ? 2.0 * tkTextMeasurerQt::kHorizontalInset : 0.0;
+    drawSubtotalBands(painter, page);
     _layout.forEachCellInRect(page, [&](int32_t column, int32_t row, const tkRect& frame) {
         const bool wraps = _layout.cellWraps(column);
         const QRectF cell =
             toPageCoordinates(frame, page).adjusted(0.0, 0.0, wraps ? -measuredRoom : 0.0, 0.0);
         _cellFont->drawCell(painter, _layout.cellText(column, row), cell, wraps);
     });
+}
+
+void tkPrintTimeSheetView::drawSubtotalBands(QPainter& painter, const tkRect& page) {
+    const tkRange rows = _layout.rowsInRect(page);
+    for (int32_t row = rows.location; row <= rows.location + rows.length && row < _layout.numRows();
+         ++row) {
+        if (row < 0 || !_layout.isSubtotalRow(row)) {
+            continue;
+        }
+        // A light band, full width, with a hairline over it: the eye finds the end of each
+        // group without the row's text changing its measured size.
+        const QRectF band = toPageCoordinates(_layout.rectOfRow(row), page);
+        painter.fillRect(band, QColor(kSubtotalBandGray, kSubtotalBandGray, kSubtotalBandGray));
+        const QPen pen(Qt::black, kSubtotalRuleWidth);
+        painter.save();
+        painter.setPen(pen);
+        painter.drawLine(band.topLeft(), band.topRight());
+        painter.restore();
+    }
 }

@@ -53,6 +53,11 @@ class tkPrintTimeSheetView {
   private:
     // The grid of the page whose rectangle is page, over a white ground.
     void drawRect(QPainter& painter, const tkRect& page);
+    // The ground of the subtotal rows on that page.
+    void drawSubtotalBands(QPainter& painter, const tkRect& page);
+
+    static constexpr int kSubtotalBandGray = 232;
+    static constexpr double kSubtotalRuleWidth = 0.5;
 
     QPaintDevice* _device;
     tkPageHeaderView _header;

@@ -124,6 +124,9 @@ tkTSUIQt::~tkTSUIQt() {
     // The bridge goes first: nothing may reach a window half taken apart. Nor may a field
     // that loses the focus while the children go (its editingFinished, its focus events).
     _modelObserver.reset();
+    for (const QPointer<QObject>& item : _menuItems) {
+        delete item.data();
+    }
     for (QObject* child : findChildren<QObject*>()) {
         child->disconnect(this);
         child->removeEventFilter(this);
@@ -192,10 +195,10 @@ void tkTSUIQt::buildMenus() {
     QAction* show = menu->addAction(QStringLiteral("Show Time Sheet"));
     show->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_T));
     connect(show, &QAction::triggered, this, &tkTSUIQt::show);
-    menu->addSeparator();
     QAction* add = menu->addAction(QStringLiteral("Add Entry"));
     connect(add, &QAction::triggered, this, &tkTSUIQt::addEntry);
     _sortMenu = menu->addMenu(QStringLiteral("Sort"));
+    _menuItems = {show, add, _sortMenu};
     _sortMenu->setObjectName(QStringLiteral("sortMenu"));
     for (const SortItem& each : kSortItems) {
         if (std::string(each.key) == kSortOff) {

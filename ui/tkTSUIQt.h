@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QString>
 #include <QWidget>
 #include <bitset>
@@ -157,6 +158,8 @@ class tkTSUIQt : public QWidget, public tkEditCommandTarget {
     tkTimeSheetReport* _report = nullptr;
     QMenu* _menu = nullptr;
     QMenu* _sortMenu = nullptr;
+    // What this window put into the shared menu, taken out again when it goes.
+    QList<QPointer<QObject>> _menuItems;
     int _mode = 0;
     QString _undoTitle;
     QString _redoTitle;

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "foundation/IOException.h"
+#include "preferences/tkPreferences.h"
 #include "shell/tkErrorReporting.h"
 #include "timesheet/tkTimeSheet.h"
 #include "ui/tkPrintTimeSheetView.h"
@@ -42,7 +43,7 @@ void tkTimeSheetReport::printSelection() {
 
 void tkTimeSheetReport::print(bool selectionOnly) {
     // The report shows the sheet as it is when the command is given, not after the dialog.
-    tkReportSnapshot snapshot = takeReportSnapshot(_sheet, selectionOnly);
+    tkReportSnapshot snapshot = snapshotOfSheet(selectionOnly);
     const QDateTime when = QDateTime::currentDateTime();
 
     QPrintDialog dialog(&_printer, _dialogParent);
@@ -84,12 +85,16 @@ bool tkTimeSheetReport::exportPdf(const QString& path, bool selectionOnly) {
     pdf.setPageLayout(_printer.pageLayout());
     pdf.setDocName(QString::fromLatin1(kTitle));
     pdf.setCreator(QStringLiteral("Chronolet Plus"));
-    if (printReport(pdf, takeReportSnapshot(_sheet, selectionOnly), QDateTime::currentDateTime())) {
+    if (printReport(pdf, snapshotOfSheet(selectionOnly), QDateTime::currentDateTime())) {
         return true;
     }
     reportError(IOException("The time sheet report could not be written to: " +
                             QDir::toNativeSeparators(path).toStdString()));
     return false;
+}
+
+tkReportSnapshot tkTimeSheetReport::snapshotOfSheet(bool selectionOnly) const {
+    return takeReportSnapshot(_sheet, selectionOnly, tkPreferences::instance().isReportSubtotals());
 }
 
 bool tkTimeSheetReport::printReport(QPrinter& printer, tkReportSnapshot snapshot,

@@ -56,6 +56,8 @@ class tkTimeSheetReport : public QObject {
 
   private:
     void print(bool selectionOnly);
+    // The rows to print, with a subtotal after each group when the preferences ask for it.
+    tkReportSnapshot snapshotOfSheet(bool selectionOnly) const;
 
     tkTimeSheet& _sheet;
     QWidget* _dialogParent;

@@ -65,6 +65,14 @@ TEST_F(tkPreferencesTest, ChangesMarkItDirtyAndPostAsEachPromises) {
                  tkNotification(kTimeSheetSortByChanged, &tkTimeSheet::instance(), 0));
          },
          1},
+        {[](tkPreferences& p) { p.setIdleCheckOn(true); }, 0},
+        {[](tkPreferences& p) { p.setIdleCheckOn(false); }, 1},
+        {[](tkPreferences& p) { p.setIdleMinutes(10); }, 0},
+        {[](tkPreferences& p) { p.setIdleMinutes(-5); }, 1},  // kept at one
+        {[](tkPreferences& p) { p.setIdleMinutes(0); }, 0},   // still one
+        {[](tkPreferences& p) { p.setReportSubtotals(false); }, 0},
+        {[](tkPreferences& p) { p.setReportSubtotals(true); }, 1},
+        {[](tkPreferences& p) { p.setSheetSubtotals(true); }, 1},
         {[](tkPreferences&) { tkKnownRecordItems::instance().getOrAddEmployee("n"); }, -1}};
     for (size_t i = 0; i < std::size(cases); ++i) {
         p.setDirty(false);
@@ -76,6 +84,8 @@ TEST_F(tkPreferencesTest, ChangesMarkItDirtyAndPostAsEachPromises) {
         EXPECT_EQ(p.isDirty(), cases[i].second != 0) << "case " << i;
     }
     EXPECT_EQ(state(), "OD  /data/Tekamo/Ada M. Lovelace's Time Sheet.txt2");
+    EXPECT_EQ(p.idleMinutes(), tkPreferences::kMinIdleMinutes);
+    EXPECT_EQ(p.idleThresholdMinutes(), 0) << "the check is off";
 }
 
 // A move that works names the new place; one that fails changes nothing, not even the file in
@@ -96,9 +106,13 @@ TEST_F(tkPreferencesTest, MovingTheSheetChangesTheNameOnlyWhenTheFileMoved) {
     p.setTimeSheetOpen(false);
     p.setTimeSheetWorldWritable(false);
     EXPECT_EQ(state(), "D  /away.txt");
+    p.setIdleMinutes(30);
+    p.setReportSubtotals(true);
     p.setDirty(false);
     EXPECT_TRUE(p.resetSaveLocation());
     EXPECT_EQ(state(), "SOWD  /data/Tekamo/Ada M. Lovelace's Time Sheet.txt");
+    EXPECT_EQ(p.idleThresholdMinutes(), tkPreferences::kDefaultIdleMinutes);
+    EXPECT_FALSE(p.isReportSubtotals());
     EXPECT_EQ(home.readText(original), "rows\n");
     EXPECT_FALSE(home.exists("away.txt"));
 }
@@ -157,6 +171,38 @@ TEST_F(tkPreferencesTest, ReaderIsTolerantAndCaseBlind) {
     EXPECT_EQ(defaultRecord().description()->toString(), "desk work");
     EXPECT_EQ(defaultRecord().employee(), tkKnownRecordItems::instance().getOrAddEmployee("ZED"));
     EXPECT_TRUE(p.isDirty());
+}
+
+// The settings that came later are written only when changed, so that an untouched file keeps
+// its old bytes, and read back; minutes out of range are brought into it.
+TEST_F(tkPreferencesTest, LaterSettingsReadClampedAndAreWrittenOnlyWhenChanged) {
+    const std::pair<std::string, int32_t> cases[] = {{"<idleMinutes>0</idleMinutes>", 1},
+                                                     {"<idleMinutes>99999</idleMinutes>", 24 * 60},
+                                                     {"<idleMinutes>soon</idleMinutes>", 10},
+                                                     {"<IDLEMINUTES>45</IDLEMINUTES>", 45}};
+    for (const auto& [children, minutes] : cases) {
+        p.setIdleMinutes(tkPreferences::kDefaultIdleMinutes);
+        p.fromTag(*tkTagParser().parse("<tkPreferences>" + children + "</tkPreferences>"));
+        EXPECT_EQ(p.idleMinutes(), minutes) << children;
+    }
+    p.setIdleMinutes(tkPreferences::kDefaultIdleMinutes);
+    EXPECT_EQ(p.toTag()->childCount(), 8);
+    p.setReportSubtotals(true);
+    ASSERT_EQ(p.toTag()->childCount(), 9);
+    EXPECT_EQ(p.toTag()->childAt(8)->name(), "reportSubtotals");
+    p.setIdleCheckOn(false);
+    p.setIdleMinutes(25);
+    p.setSheetSubtotals(true);
+    const std::string text = p.toTag()->toText(0);
+    p.setIdleCheckOn(true);
+    p.setIdleMinutes(10);
+    p.setReportSubtotals(false);
+    p.setSheetSubtotals(false);
+    p.fromTag(*tkTagParser().parse(text));
+    EXPECT_FALSE(p.isIdleCheckOn());
+    EXPECT_EQ(p.idleMinutes(), 25);
+    EXPECT_TRUE(p.isReportSubtotals() && p.isSheetSubtotals());
+    EXPECT_EQ(p.toTag()->toText(0), text);
 }
 
 }  // namespace

@@ -292,3 +292,27 @@ TEST(ReportSnapshot, ReadsTheShownTextsOfAllRowsOrOfTheSelection) {
     EXPECT_EQ(none.durationString, "00:00:00");
     installDateFormatter(nullptr);
 }
+
+// With subtotals a row follows each group: its total under Duration, what the group shares and
+// its size under Description, nothing elsewhere; the entry count leaves those rows out.
+TEST(ReportSnapshot, SubtotalRowFollowsEachGroupOfTheSortKey) {
+    installDateFormatter(std::make_unique<tkMarkingDateFormatter>());
+    tkTimeSheet sheet;
+    sheet.insertRecord(entry("1/2/20|1:00:00|ann|J1|FC|first"));
+    sheet.insertRecord(entry("1/2/20|0:30:00|bob|J2|GC|second"));
+    sheet.insertRecord(entry("1/4/20|0:15:00|ann|J3|HC|third"));
+    const tkReportSnapshot byDate = takeReportSnapshot(sheet, false, true);
+    EXPECT_EQ(byDate.rowCount, 5u);
+    EXPECT_EQ(byDate.entryCount(), 3u);
+    EXPECT_EQ(byDate.subtotalRows, (std::vector<uint32_t>{2, 4}));
+    EXPECT_EQ(byDate.data[1], (Texts{"01:00:00", "00:30:00", "01:30:00", "00:15:00", "00:15:00"}));
+    EXPECT_EQ(byDate.data[5][2] + "|" + byDate.data[0][2] + "|" + byDate.data[2][4],
+              "Subtotal: d1/2/20, 2 entries||");
+    EXPECT_EQ(byDate.durationString, "01:45:00");
+    sheet.setSortBy("employee");
+    EXPECT_EQ(takeReportSnapshot(sheet, false, true).data[5][2], "Subtotal: ANN, 2 entries");
+    EXPECT_EQ(subtotalLabel("off", "", 1), "Subtotal: 1 entry");
+    EXPECT_EQ(subtotalLabel("job number", "", 2), "Subtotal: (empty), 2 entries");
+    EXPECT_TRUE(takeReportSnapshot(tkTimeSheet(), false, true).subtotalRows.empty());
+    installDateFormatter(nullptr);
+}

@@ -174,3 +174,35 @@ TEST(tkTimer, ReadingAFileTakesItsTimesAsTheyStand) {
         EXPECT_TRUE(posts.empty()) << children;
     }
 }
+
+// Time taken off comes from the collected time first, then from the present run, never below
+// zero; the timer keeps running or stays stopped, with one post.
+TEST(tkTimer, SubtractTakesCollectedTimeThenTheRunAndStopsAtZero) {
+    const struct {
+        int64_t collected;
+        int64_t run;  // -1: stopped
+        int64_t subtract;
+        int32_t seconds;
+    } cases[] = {
+        {90'000, -1, 30'000, 60},     {20'000, -1, 30'000, 0},     {0, 50'000, 20'000, 30},
+        {10'000, 50'000, 40'000, 20}, {10'000, 50'000, 90'000, 0}, {5'000, 5'000, 0, 10},
+    };
+    for (const auto& c : cases) {
+        tkTestClock clock;
+        tkTimer timer;
+        timer.setTime(tkDuration(static_cast<int32_t>(c.collected / 1000)));
+        if (c.run >= 0) {
+            timer.start();
+            clock.advance(c.run);
+        }
+        tkNotificationRecorder posts;
+        posts.listen(kTimerBecameDirty, &timer);
+        timer.subtractTime(c.subtract);
+        EXPECT_EQ(shownSeconds(timer), c.seconds)
+            << c.collected << " " << c.run << " " << c.subtract;
+        EXPECT_EQ(timer.isRunning(), c.run >= 0);
+        EXPECT_EQ(posts.count(kTimerBecameDirty), c.subtract > 0 ? 1 : 0);
+        clock.advance(1000);
+        EXPECT_EQ(shownSeconds(timer), c.seconds + (c.run >= 0 ? 1 : 0)) << "counts on from there";
+    }
+}

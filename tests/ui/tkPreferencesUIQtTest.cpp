@@ -6,9 +6,11 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QTest>
 #include <QTimer>
 #include <functional>
@@ -20,6 +22,8 @@
 #include "shell/tkTimeSheetLocation.h"
 #include "tests/ui/tkUiCoreHome.h"
 #include "timesheet/tkTimeSheet.h"
+#include "ui/tkIdleSources.h"
+#include "ui/tkNibLoader.h"
 
 namespace {
 
@@ -138,6 +142,40 @@ TEST_F(tkPreferencesUIQtTest, CheckBoxesAndRestoreDefaults) {
     EXPECT_TRUE(single->isChecked());
     EXPECT_FALSE(protectedSheet->isChecked());
     EXPECT_TRUE(tkPreferences::instance().isTimeSheetWorldWritable());
+}
+
+// Offscreen the desktop tells no idle time (unless a session bus serves it): the setting is
+// then disabled and says why. The subtotal switches reach the file, and the time sheet's one
+// shows only where there is a time sheet window.
+TEST_F(tkPreferencesUIQtTest, IdleAndSubtotalSettings) {
+    auto* idle = find<QCheckBox>("idleCheckBox");
+    auto* minutes = find<QSpinBox>("idleMinutesSpin");
+    auto* reason = find<QLabel>("idleUnavailableLabel");
+    const bool detectable = desktopIdleSource() != nullptr;
+    EXPECT_EQ(idle->isEnabled(), detectable);
+    EXPECT_EQ(reason->isVisible(), !detectable);
+    EXPECT_TRUE(reason->text().contains(QStringLiteral("X11 screen saver extension")));
+    EXPECT_EQ(minutes->value(), tkPreferences::kDefaultIdleMinutes);
+    if (detectable) {
+        idle->click();
+        EXPECT_FALSE(tkPreferences::instance().isIdleCheckOn());
+        EXPECT_FALSE(minutes->isEnabled());
+    }
+    minutes->setValue(25);
+    EXPECT_EQ(tkPreferences::instance().idleMinutes(), 25);
+
+    auto* report = find<QCheckBox>("reportSubtotalsCheckBox");
+    EXPECT_FALSE(report->isChecked());
+    report->click();
+    EXPECT_TRUE(tkPreferences::instance().isReportSubtotals());
+    const std::string saved = *core.home.readText(tkPreferences::instance().preferencesFile());
+    EXPECT_NE(saved.find("<reportSubtotals>true<"), std::string::npos);
+    EXPECT_EQ(find<QCheckBox>("sheetSubtotalsCheckBox")->isVisibleTo(ui->window()),
+              tkNibLoader::hasTimeSheetWindow());
+
+    find<QPushButton>("restoreDefaultsButton")->click();
+    EXPECT_FALSE(report->isChecked());
+    EXPECT_EQ(minutes->value(), tkPreferences::kDefaultIdleMinutes);
 }
 
 }  // namespace

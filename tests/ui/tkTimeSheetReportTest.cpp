@@ -13,10 +13,12 @@
 #include <memory>
 #include <numeric>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "foundation/tkException.h"
+#include "preferences/tkPreferences.h"
 #include "records/tkDuration.h"
 #include "shell/tkErrorReporting.h"
 #include "timesheet/tkTimeSheet.h"
@@ -196,4 +198,70 @@ TEST(TimeSheetReport, ExportWritesTheChosenFileAndReportsOneThatCantBeWritten) {
     setErrorReporter({});
     ASSERT_EQ(errors.size(), 1u);
     EXPECT_NE(errors[0].find("no such folder/report.pdf"), std::string::npos) << errors[0];
+}
+
+// With the preference on, every key's report read back from the PDF: each subtotal line comes
+// after its group's entries and equals their sum and count, every entry is in a group, and the
+// footer still counts entries only.
+TEST(TimeSheetReport, SubtotalsOnPaperEqualTheirRowsForEverySortKey) {
+    tkPreferences::instance().setReportSubtotals(true);
+    QTemporaryDir folder;
+    const std::regex durationPattern("\\b(\\d+):(\\d\\d):(\\d\\d)\\b");
+    const std::regex countPattern("(\\d+) entr(y|ies)");
+    for (const char* key :
+         {"date", "duration", "employee", "job number", "fee code", "description", "off"}) {
+        tkTimeSheet sheet;
+        std::string text;
+        for (int i = 0; i < 30; ++i) {
+            text += "1/" + std::to_string(1 + i % 5) + "/24\t" + std::to_string(i % 3) + ":" +
+                    std::to_string(10 + i % 7) + ":00\tEMP" + std::to_string(i % 3) + "\t" +
+                    std::to_string(4100 + i % 4) + "\tFEE" + std::to_string(i % 2) + "\tWork " +
+                    std::to_string(i % 6) + "\n";
+        }
+        sheet.readTabbedText(text);
+        sheet.setSortBy(key);
+        tkTimeSheetReport report(sheet);
+        const QString path = folder.filePath(QStringLiteral("%1.pdf").arg(QString(key)));
+        ASSERT_TRUE(report.exportPdf(path, false)) << key;
+
+        std::istringstream lines(pdfText(path));
+        int groupSeconds = 0;
+        int groupEntries = 0;
+        int entries = 0;
+        int subtotals = 0;
+        for (std::string line; std::getline(lines, line);) {
+            std::smatch duration;
+            if (line.find("Page ") != std::string::npos ||
+                line.find("Entry Count:") != std::string::npos ||
+                line.find("Duration:") != std::string::npos ||
+                !std::regex_search(line, duration, durationPattern)) {
+                continue;
+            }
+            const int seconds = std::stoi(duration[1]) * 3600 + std::stoi(duration[2]) * 60 +
+                                std::stoi(duration[3]);
+            if (line.find("Subtotal") == std::string::npos) {
+                groupSeconds += seconds;
+                ++groupEntries;
+                ++entries;
+                continue;
+            }
+            ++subtotals;
+            // A long label wraps onto a line of its own.
+            std::string next;
+            if (!std::regex_search(line, countPattern) && std::getline(lines, next)) {
+                line += " " + next;
+            }
+            std::smatch count;
+            ASSERT_TRUE(std::regex_search(line, count, countPattern)) << key << ": " << line;
+            EXPECT_EQ(seconds, groupSeconds) << key << ": " << line;
+            EXPECT_EQ(std::stoi(count[1]), groupEntries) << key << ": " << line;
+            EXPECT_GT(groupEntries, 0) << key << ": " << line;
+            groupSeconds = 0;
+            groupEntries = 0;
+        }
+        EXPECT_EQ(entries, 30) << key;
+        EXPECT_EQ(groupEntries, 0) << key << ": the last group has no subtotal";
+        EXPECT_EQ(subtotals, static_cast<int>(sheet.groupCount())) << key;
+        EXPECT_EQ(occurrences(pdfText(path), "Entry Count: 30\\b"), pdfPages(path)) << key;
+    }
 }

@@ -31,6 +31,7 @@
 #include "timers/tkTimerController.h"
 #include "timers/tkTimerWindow.h"
 #include "timesheet/tkTimeSheet.h"
+#include "tools/screenshots/tkExtrasScreenshots.h"
 #include "tools/screenshots/tkSupportScreenshots.h"
 #include "ui/tkAboutWindow.h"
 #include "ui/tkCLTAppDelegate.h"
@@ -195,12 +196,20 @@ int main(int argc, char** argv) {
         delegate.applicationDidFinishLaunching();
         makeSampleTimers();
         const std::vector<std::function<bool(const QString&)>> shots = {
-            timerWindowClosed,     timerWindowDetails,
-            timerWindowWithList,   timerMenu,
-            timeSheetWindow,       aboutWindow,
-            errorWindow,           screenshotPreferences,
-            screenshotBillCodes,   screenshotAddCodesSheet,
+            timerWindowClosed,
+            timerWindowDetails,
+            timerWindowWithList,
+            timerMenu,
+            timeSheetWindow,
+            aboutWindow,
+            errorWindow,
+            screenshotPreferences,
+            screenshotBillCodes,
+            screenshotAddCodesSheet,
             screenshotUpdateCheck,
+            screenshotIdleQuestion,
+            [&delegate](const QString& f) { return screenshotTrayMenu(f, delegate.trayIcon()); },
+            screenshotReportSubtotals,
         };
         for (const auto& shot : shots) {
             ok = shot(folder) && ok;
