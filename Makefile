@@ -7,9 +7,11 @@ FUZZ_MAX_LEN ?= 4096
 SUDO        := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 CMAKE_FLAGS ?=
 
-BASE_PKGS     := cmake make g++ libgtest-dev qt6-base-dev qt6-svg-dev libxss-dev xvfb xauth fonts-dejavu-core poppler-utils xclip dbus-daemon
+BASE_PKGS     := cmake make g++ libgtest-dev qt6-base-dev qt6-svg-dev libxss-dev xvfb xauth fonts-dejavu-core poppler-utils xclip dbus-daemon \
+                 dpkg-dev desktop-file-utils appstream
 BENCH_PKGS    := $(BASE_PKGS) libbenchmark-dev
 FUZZ_PKGS     := cmake make clang libclang-rt-14-dev
+BENCH_CLI_PKGS := $(BENCH_PKGS) hyperfine timewarrior gawk
 FORMAT_PKGS   := clang-format
 COVERAGE_PKGS := $(BASE_PKGS) gcovr
 
@@ -28,7 +30,7 @@ define ensure
 	fi
 endef
 
-.PHONY: all run screenshots test sanitize bench fuzz format coverage clean
+.PHONY: all run screenshots test sanitize bench bench-cli install package fuzz format coverage clean
 
 all: test
 
@@ -46,6 +48,22 @@ screenshots:
 	cmake -S . -B build -DCMAKE_BUILD_TYPE=Debug $(CMAKE_FLAGS)
 	cmake --build build -j$(JOBS) --target tk_screenshots
 	xvfb-run -a -s "-screen 0 1280x800x24" ./build/tk_screenshots docs/screenshots
+
+# Installs a Release build under PREFIX: make install PREFIX=$$HOME/.local, or with sudo for
+# the default /usr/local.
+PREFIX ?= /usr/local
+install:
+	$(call ensure,$(BASE_PKGS))
+	cmake -S . -B build-release -DCMAKE_BUILD_TYPE=Release -DTK_BUILD_TESTS=OFF $(CMAKE_FLAGS)
+	cmake --build build-release -j$(JOBS)
+	cmake --install build-release --prefix "$(PREFIX)"
+
+# The Debian package of a Release build, written to build-release.
+package:
+	$(call ensure,$(BASE_PKGS))
+	cmake -S . -B build-release -DCMAKE_BUILD_TYPE=Release -DTK_BUILD_TESTS=OFF $(CMAKE_FLAGS)
+	cmake --build build-release -j$(JOBS)
+	cd build-release && cpack -G DEB
 
 test:
 	$(call ensure,$(BASE_PKGS))
@@ -68,6 +86,14 @@ bench:
 	done
 	@echo "== start-up of the application (Xvfb)"
 	xvfb-run -a -s "-screen 0 1280x800x24" bench/tkStartupBench.sh build-bench/chronolet-plus
+
+# The command line against a peer command-line tracker on the same 10,000- and 100,000-entry
+# histories (hyperfine).
+bench-cli:
+	$(call ensure,$(BENCH_CLI_PKGS))
+	cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DTK_BUILD_TESTS=OFF -DTK_BUILD_BENCH=ON $(CMAKE_FLAGS)
+	cmake --build build-bench -j$(JOBS) --target chronolet
+	bench/tkCliBench.sh build-bench/chronolet
 
 fuzz:
 	$(call ensure,$(FUZZ_PKGS))

@@ -38,6 +38,9 @@ tkTimerWindowQt::tkTimerWindowQt()
 }
 
 tkTimerWindowQt::~tkTimerWindowQt() {
+    // Hidden while the form is still whole: hiding moves the keyboard away, which
+    // commits a title being edited in the list, and that redraws the form.
+    hide();
     // A field that loses the keyboard while the window goes must not act.
     timerUI_->setBridge(nullptr);
 }
