@@ -10,10 +10,9 @@
 #include "foundation/tkStrings.h"
 #include "tests/support/tkStdoutCapture.h"
 
-TEST(toUpperCase, FoldsOnlyAsciiLetters) {
+TEST(tkStrings, UpperCaseFoldsOnlyAsciiLettersAndNumbersPrintPlainDecimal) {
     const std::vector<std::pair<std::string, std::string>> cases = {
         {"aB1", "AB1"},
-        {"job numbers", "JOB NUMBERS"},
         {"`az{", "`AZ{"},  // the neighbours of a-z stay
         {"caf\xc3\xa9 \xe4", "CAF\xc3\xa9 \xe4"},
         {std::string("a\0b", 3), std::string("A\0B", 3)},
@@ -21,9 +20,13 @@ TEST(toUpperCase, FoldsOnlyAsciiLetters) {
     for (const auto& [input, expected] : cases) {
         EXPECT_EQ(toUpperCase(input), expected) << "input: " << input;
     }
+    EXPECT_EQ(intToString(INT64_MIN), "-9223372036854775808");
+    EXPECT_EQ(uintToString(UINT64_MAX), "18446744073709551615");
+    EXPECT_TRUE(startsWith("abc", "") && startsWith("abc", "abc"));
+    EXPECT_FALSE(startsWith("ab", "abc") || startsWith("abc", "b") || startsWith("abc", "AB"));
 }
 
-TEST(stringToLong, ReadsLikeStrtolAndFallsBackWhenNothingWasRead) {
+TEST(tkStrings, LongsReadLikeStrtolAndFallBackWhenNothingWasRead) {
     const std::vector<std::pair<std::string, long>> cases = {
         {"12abc", 12}, {"abc", 7}, {"", 7},     {" -3", -3}, {"\t\n+42", 42},
         {"-", 7},      {"- 3", 7}, {"0x1F", 0}, {"1.9", 1},  {"99999999999999999999", LONG_MAX},
@@ -34,9 +37,9 @@ TEST(stringToLong, ReadsLikeStrtolAndFallsBackWhenNothingWasRead) {
     }
 }
 
-// The reading is strtod's in the locale the program starts in, whatever
-// locale is in force later; only text it can't read at all gets a word.
-TEST(stringToDouble, ReadsLikeStrtodAndSaysSoOnlyWhenNothingWasRead) {
+// The reading is strtod's in the locale the program starts in, whatever locale is in force
+// later; only text it can't read at all gets a word.
+TEST(tkStrings, DoublesReadLikeStrtodAndSaySoOnlyWhenNothingWasRead) {
     const std::vector<std::string> cases = {
         "1.5x",  "7.25", " 2.5",      "-0.25",   "+3",    "1e3",      "1e+",    ".5",     "5.",
         "2.3",   "1,5",  "0x10",      "0x1p-2",  "0X.8",  "0x",       "0xg",    "0x-1",   "0xinf-",
@@ -61,14 +64,7 @@ TEST(stringToDouble, ReadsLikeStrtodAndSaysSoOnlyWhenNothingWasRead) {
     }
 }
 
-TEST(intToString, WritesPlainDecimal) {
-    EXPECT_EQ(intToString(-5), "-5");
-    EXPECT_EQ(intToString(1234567), "1234567");
-    EXPECT_EQ(intToString(INT64_MIN), "-9223372036854775808");
-    EXPECT_EQ(uintToString(UINT64_MAX), "18446744073709551615");
-}
-
-TEST(replaceAll, ReplacesEveryOccurrenceWithoutRescanningInsertedText) {
+TEST(tkStrings, ReplaceAllGoesLeftToRightWithoutRescanningInsertedText) {
     struct Case {
         std::string text, find, replacement, expected;
     };
@@ -76,11 +72,12 @@ TEST(replaceAll, ReplacesEveryOccurrenceWithoutRescanningInsertedText) {
         {"aaa", "a", "b", "bbb"},
         {"abc", "x", "y", "abc"},
         {"", "a", "b", ""},
-        {"aaa", "a", "aa", "aaaaaa"},  // terminates
-        {"aaaa", "aa", "a", "aa"},     // left to right, no overlap
+        {"aaa", "a", "aa", "aaaaaa"},
+        {"aaaa", "aa", "a", "aa"},
         {"abab", "ab", "", ""},
         {"xab", "x", "a", "aab"},  // the new "aa" isn't looked at again
         {"a&b&", "&", "&amp;", "a&amp;b&amp;"},
+        {"abc", "", "x", "abc"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(replaceAll(c.text, c.find, c.replacement), c.expected)
@@ -88,15 +85,7 @@ TEST(replaceAll, ReplacesEveryOccurrenceWithoutRescanningInsertedText) {
     }
 }
 
-TEST(startsWith, ComparesBytes) {
-    EXPECT_TRUE(startsWith("abc", ""));
-    EXPECT_TRUE(startsWith("abc", "abc"));
-    EXPECT_FALSE(startsWith("ab", "abc"));
-    EXPECT_FALSE(startsWith("abc", "b"));
-    EXPECT_FALSE(startsWith("abc", "AB"));
-}
-
-TEST(quotableExcerpt, EscapesWhatWouldNotShowAndClipsAtACharacterBoundary) {
+TEST(tkStrings, QuotableExcerptEscapesWhatWouldNotShowAndClipsAtACharacterBoundary) {
     struct Case {
         std::string text;
         std::size_t limit;
@@ -106,8 +95,7 @@ TEST(quotableExcerpt, EscapesWhatWouldNotShowAndClipsAtACharacterBoundary) {
         {"caf\xc3\xa9 ok", 60, "caf\xc3\xa9 ok"},
         {std::string("a\0b\t\xff broken \xc3", 14), 60, "a\\x00b\\x09\\xff broken \\xc3"},
         {"abcdefgh", 5, "abcde..."},
-        // A character is never cut in two.
-        {"abcd\xc3\xa9x", 5, "abcd..."},
+        {"abcd\xc3\xa9x", 5, "abcd..."},  // a character is never cut in two
     };
     for (const auto& c : cases) {
         EXPECT_EQ(quotableExcerpt(c.text, c.limit), c.expected) << "text: " << c.text;

@@ -1,9 +1,6 @@
-#include "preferences/tkPreferences.h"
-
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,310 +9,250 @@
 #include "foundation/tkTagNode.h"
 #include "foundation/tkTagParser.h"
 #include "platform/tkFileManagerPosix.h"
+#include "platform/tkUserInfoPosix.h"
 #include "preferences/tkPaths.h"
+#include "preferences/tkPreferences.h"
 #include "records/tkDefaultRecord.h"
 #include "records/tkKnownRecordItems.h"
-#include "records/tkRecord.h"
+#include "tests/platform/tkPlatformTestSupport.h"
 #include "tests/support/tkNotificationRecorder.h"
 #include "tests/support/tkTempHome.h"
 #include "timesheet/tkTimeSheet.h"
 
 namespace {
 
-// Every test runs in its own process, so the singleton is built here, after
-// the temporary home and the user's name are in place.
+// Every test runs in its own process, so the singleton is built here, after the temporary home
+// and the user's name are in place.
 class tkPreferencesTest : public ::testing::Test {
   protected:
-    void SetUp() override {
+    void SetUp() override { recorder.listen(kPreferencesChanged); }
+    void TearDown() override { setUserInfoSource(nullptr, nullptr); }
+    static tkPreferences& make() {
         setUserInfoSource([] { return std::string("Ada M. Lovelace"); }, nullptr);
         tkFileManager::install(std::make_unique<tkFileManagerPosix>());
-        recorder.listen(kPreferencesChanged);
+        return tkPreferences::instance();
     }
-    void TearDown() override { setUserInfoSource(nullptr, nullptr); }
-
-    static std::unique_ptr<tkTagNode> parse(const std::string& text) {
-        tkTagParser parser;
-        return parser.parse(text);
+    // The flags as letters (Single window, sheet Open, World writable, Dirty), the sort key and
+    // the sheet's file, relative to the home.
+    std::string state() const {
+        return std::string(p.isSingleWindowMode() ? "S" : "") + (p.isTimeSheetOpen() ? "O" : "") +
+               (p.isTimeSheetWorldWritable() ? "W" : "") + (p.isDirty() ? "D" : "") + " " +
+               p.sortBy() + " " + p.timeSheetFile().substr(home.root().size());
     }
 
     tkTempHome home;
     tkNotificationRecorder recorder;
+    tkPreferences& p = make();
 };
 
-TEST_F(tkPreferencesTest, NewObjectHasTheDefaults) {
-    tkPreferences& preferences = tkPreferences::instance();
-    EXPECT_TRUE(preferences.isSingleWindowMode());
-    EXPECT_TRUE(preferences.isTimeSheetOpen());
-    EXPECT_TRUE(preferences.isTimeSheetWorldWritable());
-    EXPECT_FALSE(preferences.isDirty());
-    EXPECT_EQ(preferences.timersFile(), home.supportFolder() + "/Chronolet Timers.txt");
-    EXPECT_EQ(preferences.timeSheetFile(),
-              home.supportFolder() + "/Ada M. Lovelace's Time Sheet.txt");
-    EXPECT_EQ(preferences.preferencesFile(), home.supportFolder() + "/Chronolet Preferences.txt");
+// The flags post only when they change, except the time sheet's open flag, which always did;
+// changes of the default record, the sort order and the billing codes live in this file too.
+TEST_F(tkPreferencesTest, ChangesMarkItDirtyAndPostAsEachPromises) {
     EXPECT_TRUE(recorder.empty()) << "building the object must not post";
-}
-
-// ---- setters and their posts ----
-
-struct SetterCase {
-    const char* what;
-    void (*apply)(tkPreferences&);
-    int posts;
-};
-
-TEST_F(tkPreferencesTest, SettersPostAsEachPromises) {
-    const SetterCase cases[] = {
-        {"setSingleWindowMode(true), unchanged",
-         [](tkPreferences& p) { p.setSingleWindowMode(true); }, 0},
-        {"setSingleWindowMode(false)", [](tkPreferences& p) { p.setSingleWindowMode(false); }, 1},
-        {"setTimeSheetWorldWritable(true), unchanged",
-         [](tkPreferences& p) { p.setTimeSheetWorldWritable(true); }, 0},
-        {"setTimeSheetWorldWritable(false)",
-         [](tkPreferences& p) { p.setTimeSheetWorldWritable(false); }, 1},
-        // The asymmetry: this one posts even when nothing changes.
-        {"setTimeSheetOpen(true), unchanged", [](tkPreferences& p) { p.setTimeSheetOpen(true); },
-         1},
-        {"setDirty(false)", [](tkPreferences& p) { p.setDirty(false); }, 0},
-        {"setDirty(true) twice",
-         [](tkPreferences& p) {
-             p.setDirty(true);
-             p.setDirty(true);
+    EXPECT_EQ(state(), "SOW  /data/Tekamo/Ada M. Lovelace's Time Sheet.txt");
+    const std::pair<void (*)(tkPreferences&), int> cases[] = {
+        {[](tkPreferences& p) { p.setSingleWindowMode(true); }, 0},
+        {[](tkPreferences& p) { p.setSingleWindowMode(false); }, 1},
+        {[](tkPreferences& p) { p.setTimeSheetWorldWritable(true); }, 0},
+        {[](tkPreferences& p) { p.setTimeSheetWorldWritable(false); }, 1},
+        {[](tkPreferences& p) { p.setTimeSheetOpen(true); }, 1},
+        {[](tkPreferences& p) { p.setDirty(false); }, 0},
+        {[](tkPreferences& p) { p.setDirty(true), p.setDirty(true); }, 2},
+        {[](tkPreferences& p) { p.setTimeSheetFile(p.timeSheetFile() + "2", false); }, 1},
+        {[](tkPreferences&) { setDefaultField(kFieldDescription, "x"); }, 1},
+        {[](tkPreferences&) {
+             tkNotificationCenter::instance().postNotification(
+                 tkNotification(kTimeSheetSortByChanged, &tkTimeSheet::instance(), 0));
          },
-         2},
-        {"setTimeSheetFile without move",
-         [](tkPreferences& p) { p.setTimeSheetFile("/elsewhere/sheet.txt", false); }, 1},
-        {"setIdleCheckOn(true), unchanged", [](tkPreferences& p) { p.setIdleCheckOn(true); }, 0},
-        {"setIdleCheckOn(false)", [](tkPreferences& p) { p.setIdleCheckOn(false); }, 1},
-        {"setIdleMinutes(10), unchanged", [](tkPreferences& p) { p.setIdleMinutes(10); }, 0},
-        {"setIdleMinutes(-5), kept at one", [](tkPreferences& p) { p.setIdleMinutes(-5); }, 1},
-        {"setIdleMinutes(0), still one", [](tkPreferences& p) { p.setIdleMinutes(0); }, 0},
-        {"setReportSubtotals(false), unchanged",
-         [](tkPreferences& p) { p.setReportSubtotals(false); }, 0},
-        {"setReportSubtotals(true)", [](tkPreferences& p) { p.setReportSubtotals(true); }, 1},
-        {"setSheetSubtotals(true)", [](tkPreferences& p) { p.setSheetSubtotals(true); }, 1},
-    };
-    tkPreferences& preferences = tkPreferences::instance();
-    for (const SetterCase& c : cases) {
-        preferences.setDirty(false);
+         1},
+        {[](tkPreferences& p) { p.setIdleCheckOn(true); }, 0},
+        {[](tkPreferences& p) { p.setIdleCheckOn(false); }, 1},
+        {[](tkPreferences& p) { p.setIdleMinutes(10); }, 0},
+        {[](tkPreferences& p) { p.setIdleMinutes(-5); }, 1},  // kept at one
+        {[](tkPreferences& p) { p.setIdleMinutes(0); }, 0},   // still one
+        {[](tkPreferences& p) { p.setReportSubtotals(false); }, 0},
+        {[](tkPreferences& p) { p.setReportSubtotals(true); }, 1},
+        {[](tkPreferences& p) { p.setSheetSubtotals(true); }, 1},
+        {[](tkPreferences&) { tkKnownRecordItems::instance().getOrAddEmployee("n"); }, -1}};
+    for (size_t i = 0; i < std::size(cases); ++i) {
+        p.setDirty(false);
         recorder.clear();
-        c.apply(preferences);
-        EXPECT_EQ(recorder.count(kPreferencesChanged, &preferences), c.posts) << c.what;
-        if (c.posts > 0) {
-            EXPECT_TRUE(preferences.isDirty()) << c.what;
-        } else {
-            EXPECT_FALSE(preferences.isDirty()) << c.what;
+        cases[i].first(p);
+        if (cases[i].second >= 0) {
+            EXPECT_EQ(recorder.count(kPreferencesChanged, &p), cases[i].second) << "case " << i;
         }
+        EXPECT_EQ(p.isDirty(), cases[i].second != 0) << "case " << i;
     }
-    EXPECT_FALSE(preferences.isSingleWindowMode());
-    EXPECT_FALSE(preferences.isTimeSheetWorldWritable());
-    EXPECT_EQ(preferences.timeSheetFile(), "/elsewhere/sheet.txt");
-    EXPECT_EQ(preferences.idleMinutes(), tkPreferences::kMinIdleMinutes);
-    EXPECT_EQ(preferences.idleThresholdMinutes(), 0) << "the check is off";
+    EXPECT_EQ(state(), "OD  /data/Tekamo/Ada M. Lovelace's Time Sheet.txt2");
+    EXPECT_EQ(p.idleMinutes(), tkPreferences::kMinIdleMinutes);
+    EXPECT_EQ(p.idleThresholdMinutes(), 0) << "the check is off";
 }
 
-TEST_F(tkPreferencesTest, DefaultRecordAndSortChangesMarkItDirtyWhoeverMadeThem) {
-    tkPreferences& preferences = tkPreferences::instance();
-    setDefaultField(kFieldDescription, "meetings");
-    EXPECT_TRUE(preferences.isDirty());
-    EXPECT_EQ(recorder.count(kPreferencesChanged, &preferences), 1);
-
-    preferences.setDirty(false);
-    tkNotificationCenter::instance().postNotification(
-        tkNotification(kTimeSheetSortByChanged, &tkTimeSheet::instance(), 0));
-    EXPECT_TRUE(preferences.isDirty());
-}
-
-TEST_F(tkPreferencesTest, KnownCodeChangesMarkItDirty) {
-    tkPreferences& preferences = tkPreferences::instance();
-    tkKnownRecordItems::instance().getOrAddEmployee("new person");
-    EXPECT_TRUE(preferences.isDirty());
-}
-
-// ---- moving the time sheet ----
-
-TEST_F(tkPreferencesTest, SaveLocationMovesTheFile) {
-    tkPreferences& preferences = tkPreferences::instance();
-    home.writeText(preferences.timeSheetFile(), "rows\n");
-    const std::string target = home.path("elsewhere.txt");
-    EXPECT_TRUE(preferences.setSaveLocation(target));
-    EXPECT_EQ(preferences.timeSheetFile(), target);
-    EXPECT_EQ(home.readText(target), "rows\n");
-    EXPECT_TRUE(preferences.isDirty());
-}
-
-TEST_F(tkPreferencesTest, FailedMoveChangesNothing) {
-    tkPreferences& preferences = tkPreferences::instance();
-    const std::string original = preferences.timeSheetFile();
+// A move that works names the new place; one that fails changes nothing, not even the file in
+// the way. A reset moves the sheet back and restores every default, to be saved.
+TEST_F(tkPreferencesTest, MovingTheSheetChangesTheNameOnlyWhenTheFileMoved) {
+    const std::string original = p.timeSheetFile();
     home.writeText(original, "rows\n");
     home.writeText("taken.txt", "other");
     testing::internal::CaptureStderr();
-    EXPECT_FALSE(preferences.setSaveLocation(home.path("taken.txt")));
+    EXPECT_FALSE(p.setSaveLocation(home.path("taken.txt")));
     testing::internal::GetCapturedStderr();
-    EXPECT_EQ(preferences.timeSheetFile(), original);
-    EXPECT_FALSE(preferences.isDirty());
+    EXPECT_EQ(state(), "SOW  /data/Tekamo/Ada M. Lovelace's Time Sheet.txt");
     EXPECT_TRUE(recorder.empty());
     EXPECT_EQ(home.readText("taken.txt"), "other");
-    EXPECT_EQ(home.readText(original), "rows\n");
-}
-
-TEST_F(tkPreferencesTest, ResetSaveLocationMovesBackAndResetsEverything) {
-    tkPreferences& preferences = tkPreferences::instance();
-    const std::string original = preferences.timeSheetFile();
-    home.writeText("away.txt", "rows\n");
-    std::filesystem::create_directories(home.supportFolder());
-    preferences.setTimeSheetFile(home.path("away.txt"), false);
-    preferences.setSingleWindowMode(false);
-    preferences.setTimeSheetOpen(false);
-    preferences.setTimeSheetWorldWritable(false);
-    preferences.setIdleMinutes(30);
-    preferences.setReportSubtotals(true);
-    recorder.clear();
-
-    EXPECT_TRUE(preferences.resetSaveLocation());
-    EXPECT_EQ(preferences.idleThresholdMinutes(), tkPreferences::kDefaultIdleMinutes);
-    EXPECT_FALSE(preferences.isReportSubtotals());
-    EXPECT_EQ(preferences.timeSheetFile(), original);
+    EXPECT_TRUE(p.setSaveLocation(home.path("away.txt")));
+    EXPECT_EQ(home.readText("away.txt"), "rows\n");
+    p.setSingleWindowMode(false);
+    p.setTimeSheetOpen(false);
+    p.setTimeSheetWorldWritable(false);
+    EXPECT_EQ(state(), "D  /away.txt");
+    p.setIdleMinutes(30);
+    p.setReportSubtotals(true);
+    p.setDirty(false);
+    EXPECT_TRUE(p.resetSaveLocation());
+    EXPECT_EQ(state(), "SOWD  /data/Tekamo/Ada M. Lovelace's Time Sheet.txt");
+    EXPECT_EQ(p.idleThresholdMinutes(), tkPreferences::kDefaultIdleMinutes);
+    EXPECT_FALSE(p.isReportSubtotals());
     EXPECT_EQ(home.readText(original), "rows\n");
     EXPECT_FALSE(home.exists("away.txt"));
-    EXPECT_TRUE(preferences.isSingleWindowMode());
-    EXPECT_TRUE(preferences.isTimeSheetOpen());
-    EXPECT_TRUE(preferences.isTimeSheetWorldWritable());
-    EXPECT_TRUE(preferences.isDirty());
-    EXPECT_GE(recorder.count(kPreferencesChanged), 1);
 }
 
-// ---- tagged form ----
-
-TEST_F(tkPreferencesTest, TaggedFormKeepsItsSpellingsAndTheDuplicate) {
-    tkPreferences& preferences = tkPreferences::instance();
-    preferences.setSingleWindowMode(false);
-    preferences.setTimeSheetFile("/x/sheet.txt", false);
-    const std::unique_ptr<tkTagNode> node = preferences.toTag();
-    ASSERT_EQ(node->name(), "tkPreferences");
-    const std::vector<std::pair<std::string, std::string>> expected = {
-        {"singleWindowMode", "false"},      {"timesheetOpen", "true"},
-        {"singleWindowMode", "false"},      {"sortBy", tkTimeSheet::instance().sortBy()},
-        {"timesheetWorldWritable", "true"}, {"timeSheetFile", "/x/sheet.txt"},
-        {"tkKnownRecordItems", ""},         {"record", ""},
-    };
-    ASSERT_EQ(node->childCount(), static_cast<int32_t>(expected.size()));
-    for (int32_t i = 0; i < node->childCount(); ++i) {
-        EXPECT_EQ(node->childAt(i)->name(), expected[i].first) << "child " << i;
-        if (node->childAt(i)->childCount() == 0) {
-            EXPECT_EQ(node->childAt(i)->text(), expected[i].second) << "child " << i;
-        }
-    }
-}
-
-TEST_F(tkPreferencesTest, EmptyTreeLeavesValuesAndTurnsSortByOff) {
-    tkPreferences& preferences = tkPreferences::instance();
-    preferences.setTimeSheetOpen(false);
-    preferences.setDirty(false);
-    preferences.fromTag(tkTagNode("tkPreferences"));
-    EXPECT_FALSE(preferences.isTimeSheetOpen());
-    EXPECT_TRUE(preferences.isSingleWindowMode());
-    EXPECT_EQ(preferences.sortBy(), "off");
-    EXPECT_FALSE(preferences.isDirty());
-}
-
-TEST_F(tkPreferencesTest, ReaderIsTolerantAndCaseBlind) {
-    struct Case {
-        const char* text;
-        bool timeSheetOpen;
-        bool singleWindowMode;
-        const char* sortBy;
-    };
-    const Case cases[] = {
-        {"<tkPreferences><TIMESHEETOPEN>false</TIMESHEETOPEN></tkPreferences>", false, true, "off"},
-        {"<tkPreferences><timesheetOpen>no</timesheetOpen></tkPreferences>", true, true, "off"},
-        {"<tkPreferences><sortBy>Date</sortBy></tkPreferences>", true, true, "off"},
-        {"<tkPreferences><sortBy>date</sortBy></tkPreferences>", true, true, "date"},
-        {"<tkPreferences><sortBy>job number</sortBy></tkPreferences>", true, true, "job number"},
-        // The first of the two duplicates wins.
-        {"<tkPreferences><singleWindowMode>false</singleWindowMode>"
-         "<singleWindowMode>true</singleWindowMode></tkPreferences>",
-         true, false, "off"},
-    };
-    for (const Case& c : cases) {
-        tkPreferences& preferences = tkPreferences::instance();
-        preferences.setTimeSheetOpen(true);
-        preferences.setSingleWindowMode(true);
-        preferences.fromTag(*parse(c.text));
-        EXPECT_EQ(preferences.isTimeSheetOpen(), c.timeSheetOpen) << c.text;
-        EXPECT_EQ(preferences.isSingleWindowMode(), c.singleWindowMode) << c.text;
-        EXPECT_EQ(preferences.sortBy(), c.sortBy) << c.text;
-    }
-}
-
-TEST_F(tkPreferencesTest, ReadingARecordSetsTheDefaultRecordAndLeavesItDirty) {
-    tkPreferences& preferences = tkPreferences::instance();
-    preferences.fromTag(
-        *parse("<tkPreferences><timeSheetFile>/t/s.txt</timeSheetFile>"
-               "<tkKnownRecordItems><employees><code>ZED</code></employees></tkKnownRecordItems>"
-               "<record><date>1/2/03</date><duration>00:00:00</duration><employee>ZED</employee>"
-               "<job number></job number><fee code></fee code><description>desk work</description>"
-               "</record></tkPreferences>"));
-    EXPECT_EQ(preferences.timeSheetFile(), "/t/s.txt");
-    EXPECT_EQ(defaultRecord().description()->toString(), "desk work");
-    EXPECT_EQ(defaultRecord().employee()->toString(), "ZED");
-    const std::vector<std::string> employees = tkKnownRecordItems::instance().employees();
-    EXPECT_NE(std::find(employees.begin(), employees.end(), "ZED"), employees.end());
-    EXPECT_TRUE(preferences.isDirty());
-}
-
-TEST_F(tkPreferencesTest, WrittenFormReadsBackToTheSameValues) {
-    tkPreferences& preferences = tkPreferences::instance();
-    preferences.setSingleWindowMode(false);
-    preferences.setTimeSheetOpen(false);
-    preferences.setTimeSheetWorldWritable(false);
-    preferences.setTimeSheetFile("/round/trip.txt", false);
-    preferences.setIdleCheckOn(false);
-    preferences.setIdleMinutes(25);
-    preferences.setReportSubtotals(true);
-    preferences.setSheetSubtotals(true);
+// The writer keeps its spellings and the duplicate of earlier versions, and what it writes reads
+// back to the same values and the same text.
+TEST_F(tkPreferencesTest, TaggedFormKeepsItsSpellingsAndReadsBack) {
+    p.setSingleWindowMode(false);
+    p.setTimeSheetOpen(false);
+    p.setTimeSheetFile(home.path("x/sheet.txt"), false);
     setDefaultField(kFieldDescription, "carried");
-    const std::string text = preferences.toTag()->toText(0);
-
-    preferences.resetSaveLocation();
+    const std::unique_ptr<tkTagNode> node = p.toTag();
+    std::string children = node->name() + ":";
+    for (int32_t i = 0; i < node->childCount(); ++i) {
+        children += node->childAt(i)->name() + "=" + node->childAt(i)->text() + ";";
+    }
+    EXPECT_EQ(children,
+              "tkPreferences:singleWindowMode=false;timesheetOpen=false;"
+              "singleWindowMode=false;sortBy=date;timesheetWorldWritable=true;"
+              "timeSheetFile=" +
+                  home.path("x/sheet.txt") + ";tkKnownRecordItems=;record=;");
+    const std::string text = node->toText(0);
+    p.setSingleWindowMode(true);
+    p.setTimeSheetOpen(true);
+    p.setTimeSheetFile(home.path("y"), false);
     setDefaultField(kFieldDescription, "");
-    preferences.fromTag(*parse(text));
-    EXPECT_FALSE(preferences.isSingleWindowMode());
-    EXPECT_FALSE(preferences.isTimeSheetOpen());
-    EXPECT_FALSE(preferences.isTimeSheetWorldWritable());
-    EXPECT_EQ(preferences.timeSheetFile(), "/round/trip.txt");
-    EXPECT_FALSE(preferences.isIdleCheckOn());
-    EXPECT_EQ(preferences.idleMinutes(), 25);
-    EXPECT_TRUE(preferences.isReportSubtotals());
-    EXPECT_TRUE(preferences.isSheetSubtotals());
+    p.fromTag(*tkTagParser().parse(text));
+    EXPECT_EQ(state(), "WD date /x/sheet.txt");
     EXPECT_EQ(defaultRecord().description()->toString(), "carried");
-    EXPECT_EQ(preferences.toTag()->toText(0), text);
+    EXPECT_EQ(p.toTag()->toText(0), text);
+}
+
+// The reader ignores case, keeps present values for what is missing or unreadable, takes the
+// first of duplicates, and turns a sort key it doesn't know off. A record sets the default
+// record and leaves the preferences dirty.
+TEST_F(tkPreferencesTest, ReaderIsTolerantAndCaseBlind) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"", "S off"},
+        {"<TIMESHEETOPEN>true</TIMESHEETOPEN>", "SO off"},
+        {"<timesheetOpen>no</timesheetOpen><sortBy>Date</sortBy>", "S off"},
+        {"<sortBy>job number</sortBy>", "S job number"},
+        {"<singleWindowMode>false</singleWindowMode><singleWindowMode>true</singleWindowMode>",
+         " off"}};
+    p.setTimeSheetWorldWritable(false);
+    for (const auto& [children, expected] : cases) {
+        p.setTimeSheetOpen(false);
+        p.setSingleWindowMode(true);
+        p.setDirty(false);
+        p.fromTag(*tkTagParser().parse("<tkPreferences>" + children + "</tkPreferences>"));
+        EXPECT_EQ(state().substr(0, state().find(" /")), expected) << children;
+    }
+    p.fromTag(*tkTagParser().parse(
+        "<tkPreferences><tkKnownRecordItems><employees><code>ZED</code></employees>"
+        "</tkKnownRecordItems><record><employee>ZED</employee><description>desk work"
+        "</description></record></tkPreferences>"));
+    EXPECT_EQ(defaultRecord().description()->toString(), "desk work");
+    EXPECT_EQ(defaultRecord().employee(), tkKnownRecordItems::instance().getOrAddEmployee("ZED"));
+    EXPECT_TRUE(p.isDirty());
+}
+
+// The settings that came later are written only when changed, so that an untouched file keeps
+// its old bytes, and read back; minutes out of range are brought into it.
+TEST_F(tkPreferencesTest, LaterSettingsReadClampedAndAreWrittenOnlyWhenChanged) {
+    const std::pair<std::string, int32_t> cases[] = {{"<idleMinutes>0</idleMinutes>", 1},
+                                                     {"<idleMinutes>99999</idleMinutes>", 24 * 60},
+                                                     {"<idleMinutes>soon</idleMinutes>", 10},
+                                                     {"<IDLEMINUTES>45</IDLEMINUTES>", 45}};
+    for (const auto& [children, minutes] : cases) {
+        p.setIdleMinutes(tkPreferences::kDefaultIdleMinutes);
+        p.fromTag(*tkTagParser().parse("<tkPreferences>" + children + "</tkPreferences>"));
+        EXPECT_EQ(p.idleMinutes(), minutes) << children;
+    }
+    p.setIdleMinutes(tkPreferences::kDefaultIdleMinutes);
+    EXPECT_EQ(p.toTag()->childCount(), 8);
+    p.setReportSubtotals(true);
+    ASSERT_EQ(p.toTag()->childCount(), 9);
+    EXPECT_EQ(p.toTag()->childAt(8)->name(), "reportSubtotals");
+    p.setIdleCheckOn(false);
+    p.setIdleMinutes(25);
+    p.setSheetSubtotals(true);
+    const std::string text = p.toTag()->toText(0);
+    p.setIdleCheckOn(true);
+    p.setIdleMinutes(10);
+    p.setReportSubtotals(false);
+    p.setSheetSubtotals(false);
+    p.fromTag(*tkTagParser().parse(text));
+    EXPECT_FALSE(p.isIdleCheckOn());
+    EXPECT_EQ(p.idleMinutes(), 25);
+    EXPECT_TRUE(p.isReportSubtotals() && p.isSheetSubtotals());
+    EXPECT_EQ(p.toTag()->toText(0), text);
 }
 
 }  // namespace
 
-// The settings that came later are written only when changed, so that an untouched file keeps
-// its old bytes; minutes out of range are brought into it.
-TEST_F(tkPreferencesTest, LaterSettingsReadClampedAndAreWrittenOnlyWhenChanged) {
-    struct Case {
-        const char* text;
-        int32_t idleMinutes;
+// Defaults lie in the application folder of the data folder, which without a platform follows
+// the environment; the old paths stay exactly as earlier versions wrote them.
+TEST(tkPaths, DefaultsLieInTheApplicationFolderOfTheDataFolder) {
+    tkTempHome home;
+    setUserInfoSource([] { return std::string("J. Random User"); }, nullptr);
+    const std::string folder = home.dataFolder() + "/Tekamo";
+    EXPECT_EQ(timersFilePath(false), folder + "/Chronolet Timers.txt");
+    EXPECT_EQ(preferencesFilePath(false), folder + "/Chronolet Preferences.txt");
+    EXPECT_EQ(defaultTimeSheetFilePath(), folder + "/J. Random User's Time Sheet.txt");
+    EXPECT_EQ(timersFilePath(true),
+              "~/Library/Application Support/Tekamo Chronolet/Chronolet Timers.txt");
+    EXPECT_EQ(preferencesFilePath(true),
+              "~/Library/Application Support/Tekamo Chronolet/Chronolet Preferences.txt");
+    ::unsetenv("XDG_DATA_HOME");
+    EXPECT_EQ(userDataFolder(), home.root() + "/.local/share");
+    ::setenv("XDG_DATA_HOME", (home.root() + "/x/").c_str(), 1);
+    EXPECT_EQ(applicationSupportFolder(), home.root() + "/x/Tekamo");
+}
+
+TEST(tkPaths, FileModeOpensAndClosesTheFile) {
+    tkTempHome home;
+    home.writeText("f", "");
+    EXPECT_TRUE(setFileMode(home.path("f"), true));
+    EXPECT_EQ(permissionsOf(home.path("f")), 0666u);
+    EXPECT_TRUE(setFileMode(home.path("f"), false));
+    EXPECT_EQ(permissionsOf(home.path("f")), 0644u);
+    EXPECT_FALSE(setFileMode(home.path("missing"), true));
+}
+
+// The full name is the gecos field up to its first comma; the data folder follows the base
+// directory rule: an absolute XDG_DATA_HOME, otherwise ~/.local/share.
+TEST(tkUserInfoPosix, NameAndDataFolderFollowTheSystemsRules) {
+    EXPECT_EQ(posixFullUserName().find(','), std::string::npos);
+    EXPECT_FALSE(posixFullUserName().empty());
+    tkTempHome home;
+    const struct {
+        const char* xdg;  // nullptr: unset
+        std::string expected;
+    } cases[] = {
+        {"/custom/data", "/custom/data"},
+        {"", home.root() + "/.local/share"},
+        {"relative/data", home.root() + "/.local/share"},
+        {nullptr, home.root() + "/.local/share"},
     };
-    const Case cases[] = {
-        {"<tkPreferences><idleMinutes>0</idleMinutes></tkPreferences>", 1},
-        {"<tkPreferences><idleMinutes>99999</idleMinutes></tkPreferences>", 24 * 60},
-        {"<tkPreferences><idleMinutes>soon</idleMinutes></tkPreferences>", 10},
-        {"<tkPreferences><IDLEMINUTES>45</IDLEMINUTES></tkPreferences>", 45},
-    };
-    tkPreferences& preferences = tkPreferences::instance();
-    for (const Case& c : cases) {
-        preferences.setIdleMinutes(tkPreferences::kDefaultIdleMinutes);
-        preferences.fromTag(*parse(c.text));
-        EXPECT_EQ(preferences.idleMinutes(), c.idleMinutes) << c.text;
+    for (const auto& c : cases) {
+        c.xdg != nullptr ? ::setenv("XDG_DATA_HOME", c.xdg, 1) : ::unsetenv("XDG_DATA_HOME");
+        EXPECT_EQ(posixDataFolder(), c.expected) << "XDG_DATA_HOME=" << (c.xdg ? c.xdg : "(unset)");
     }
-    preferences.setIdleMinutes(tkPreferences::kDefaultIdleMinutes);
-    EXPECT_EQ(preferences.toTag()->childCount(), 8);
-    preferences.setReportSubtotals(true);
-    const std::unique_ptr<tkTagNode> node = preferences.toTag();
-    ASSERT_EQ(node->childCount(), 9);
-    EXPECT_EQ(node->childAt(8)->name(), "reportSubtotals");
 }

@@ -53,15 +53,10 @@ struct tkTestPageAreas {
         header.timestampField() = {"", {120, 26, 60, 12}, &font, tkPageField::Anchor::kCentre};
         header.pageNumberField() = {
             "", {width - 70, 26, 60, 12}, &font, tkPageField::Anchor::kRight};
-        double x = 10;
-        for (tkPageField& column : header.columnHeaders()) {
-            column = {"", {x, 4, 30, 12}, &font};
-            x += 33;
-        }
         const char* titles[] = {"Date",     "Duration",   "Employee",
                                 "Fee Code", "Job Number", "Description"};
         for (size_t i = 0; i < 6; ++i) {
-            header.columnHeaders()[i].text = titles[i];
+            header.columnHeaders()[i] = {titles[i], {10 + 33.0 * i, 4, 30, 12}, &font};
         }
         header.awakeFromNib(20);
         footer.setFrame({0, 0, width, 30});
@@ -78,13 +73,8 @@ struct tkTestPageAreas {
 inline tkReportSnapshot snapshotOfDescriptions(const std::vector<std::string>& descriptions) {
     tkReportSnapshot snapshot;
     snapshot.columns.assign(kReportColumns.begin(), kReportColumns.end());
-    snapshot.data.resize(6);
-    for (const std::string& description : descriptions) {
-        for (size_t c = 0; c + 1 < 6; ++c) {
-            snapshot.data[c].push_back("x");
-        }
-        snapshot.data[5].push_back(description);
-    }
+    snapshot.data.assign(5, std::vector<std::string>(descriptions.size(), "x"));
+    snapshot.data.push_back(descriptions);
     snapshot.rowCount = static_cast<uint32_t>(descriptions.size());
     snapshot.durationString = "01:00:00";
     return snapshot;

@@ -13,14 +13,16 @@
 #include "platform/tkFileManagerPosix.h"
 #include "platform/tkUserInfoPosix.h"
 #include "preferences/tkPaths.h"
+#include "records/tkRecord.h"
+#include "shell/tkDataLocks.h"
 #include "shell/tkHeadlessAppFrontEnd.h"
 #include "shell/tkLaunchSequence.h"
 #include "tests/support/tkFaultyFileManager.h"
 #include "tests/support/tkTempHome.h"
 
-// The shell's tests run the real launch over real files in a temporary home.
-// Each test is its own process, so the singletons start empty; a test that
-// needs a second copy of the program forks one before touching any of them.
+// The shell's tests run the real launch over real files in a temporary home. Each test is its
+// own process, so the singletons start empty; a test that needs a second copy of the program
+// forks one before touching any of them.
 class tkShellTest : public ::testing::Test {
   protected:
     void SetUp() override {
@@ -45,8 +47,8 @@ class tkShellTest : public ::testing::Test {
         sequence->applicationDidFinishLaunching();
     }
 
-    // A launch over the fault-injecting manager, reachable as `faulty`.
-    // `configure` sets the faults before the first file is touched.
+    // A launch over the fault-injecting manager, reachable as `faulty`. `configure` sets the
+    // faults before the first file is touched.
     void launchFaulty(std::function<void(tkFileFaults&)> configure = nullptr) {
         sequence = std::make_unique<tkLaunchSequence>(frontEnd, [this, configure] {
             auto manager = std::make_unique<tkFaultyFileManager>();
@@ -85,12 +87,30 @@ class tkShellTest : public ::testing::Test {
         return text + "</timerArray>";
     }
 
+    // A line of the time sheet file, and the record it holds.
     static std::string row(const std::string& description) {
         return "1/2/3\t01:00:00\tEMP\tJOB\tFEE\t" + description + "\n";
     }
+    static std::shared_ptr<tkRecord> rowRecord(const std::string& description) {
+        return std::make_shared<tkRecord>("1/2/3", "01:00:00", "EMP", "JOB", "FEE", description);
+    }
 
-    // Runs `body` in a forked child (fresh from this process's state) and
-    // returns its exit status; the child's gtest failures make it exit 1.
+    // Whether the file at `path` holds `text`.
+    bool fileHas(const std::string& path, const std::string& text) const {
+        return home.readText(path).value_or("").find(text) != std::string::npos;
+    }
+    // True when another descriptor can take the lock of the sheet at `path`: nobody holds it.
+    static bool sheetLockIsFree(const std::string& path) {
+        tkFileManagerPosix probe;
+        const int32_t fd = probe.lockFile(timeSheetLockPath(path), 0).fd;
+        if (fd >= 0) {
+            probe.closeLocked(fd);
+        }
+        return fd >= 0;
+    }
+
+    // Runs `body` in a forked child (fresh from this process's state) and returns its exit
+    // status; the child's gtest failures make it exit 1.
     static int inChild(const std::function<void()>& body) {
         const pid_t child = ::fork();
         if (child == 0) {

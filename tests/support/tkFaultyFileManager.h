@@ -13,38 +13,31 @@
 #include "foundation/tkFileWriteException.h"
 #include "platform/tkFileManagerPosix.h"
 
-// Test helper: the real POSIX file manager with failures on demand, so that
-// tests can prove that a failing disk loses nothing and reaches the user.
+// Test helper: the real POSIX file manager with failures on demand, so that tests can prove
+// that a failing disk loses nothing and reaches the user. Files made through makeFile carry the
+// shared fault state, so a fault set after the file object was made still applies to it.
 //
 //   auto owned = std::make_unique<tkFaultyFileManager>();
 //   tkFaultyFileManager& faulty = *owned;
 //   tkFileManager::install(std::move(owned));
 //   faulty.faults().diskFull = true;     // every write from now on fails
-//
-// Files made through makeFile carry the shared fault state, so a fault set
-// after the file object was made still applies to it.
 struct tkFileFaults {
-    // Writes change nothing, as on a full disk: replaceFile throws, safeSave
-    // fails before the swap.
+    // Writes change nothing, as on a full disk: replaceFile throws, safeSave fails before the
+    // swap.
     bool diskFull = false;
     // No new file or folder can be made.
     bool createFails = false;
     // safeSave writes its temporary file and then can't swap it in.
     bool swapFails = false;
-    // The next this many openLocked or lockFile calls fail as if another
-    // process held the lock.
-    int32_t lockFailures = 0;
-    // Judge writability by the permission bits, as an ordinary user would,
-    // even when the tests run as root (for whom access() allows everything).
+    // Judge writability by the permission bits, as an ordinary user would, even when the
+    // tests run as root (for whom access() allows everything).
     bool honourModeBits = false;
 
     // What happened, for tests that prove something was not touched.
     int32_t writes = 0;
-    // The files that replaceFile wrote, in order.
-    std::vector<std::string> replaced;
+    std::vector<std::string> replaced;  // the files that replaceFile wrote, in order
     int32_t creates = 0;
-    // Lock takes of either kind.
-    int32_t openLockedCalls = 0;
+    int32_t openLockedCalls = 0;  // lock takes of either kind
 };
 
 class tkFaultyFile : public tkFile {
@@ -55,10 +48,9 @@ class tkFaultyFile : public tkFile {
     std::string read() const override { return _inner->read(); }
     void write(const std::string& contents) override {
         ++_faults->writes;
-        if (_faults->diskFull) {
-            return;  // reports nothing, as the real write on a full disk
+        if (!_faults->diskFull) {  // a full disk reports nothing, as the real write
+            _inner->write(contents);
         }
-        _inner->write(contents);
     }
     std::string path() const override { return _inner->path(); }
 
@@ -67,130 +59,75 @@ class tkFaultyFile : public tkFile {
     std::shared_ptr<tkFileFaults> _faults;
 };
 
-class tkFaultyFileManager : public tkFileManager {
+// The real POSIX file manager, with the faults of `faults()` on top.
+class tkFaultyFileManager : public tkFileManagerPosix {
   public:
-    tkFaultyFileManager() : _faults(std::make_shared<tkFileFaults>()) {}
-
+    using Posix = tkFileManagerPosix;
     tkFileFaults& faults() { return *_faults; }
 
-    bool exists(const tkFile& file) override { return _inner.exists(file); }
-
     bool isWritable(const tkFile& file) override {
-        if (_faults->honourModeBits) {
-            struct stat info;
-            if (::stat(file.path().c_str(), &info) != 0) {
-                return false;
-            }
-            if ((info.st_mode & 0222) == 0) {
-                return false;
-            }
+        struct stat info;
+        if (_faults->honourModeBits &&
+            (::stat(file.path().c_str(), &info) != 0 || (info.st_mode & 0222) == 0)) {
+            return false;
         }
-        return _inner.isWritable(file);
+        return Posix::isWritable(file);
     }
-
     bool createDirectory(const std::string& path) override {
-        if (_faults->createFails) {
-            struct stat info;
-            return ::stat(path.c_str(), &info) == 0;
-        }
-        return _inner.createDirectory(path);
+        struct stat info;
+        return _faults->createFails ? ::stat(path.c_str(), &info) == 0
+                                    : Posix::createDirectory(path);
     }
-
     void createFile(const tkFile& file) override {
-        if (_faults->createFails && !_inner.exists(file)) {
-            throw IOException("Could not create file " + file.path() + ".");
-        }
-        if (!_inner.exists(file)) {
+        if (!exists(file)) {
+            if (_faults->createFails) {
+                throw IOException("Could not create file " + file.path() + ".");
+            }
             ++_faults->creates;
         }
-        _inner.createFile(file);
+        Posix::createFile(file);
     }
-
-    void checkReadable(const tkFile& file) override { _inner.checkReadable(file); }
-
-    bool moveFile(const tkFile& file, const std::string& destination) override {
-        return _inner.moveFile(file, destination);
-    }
-
-    bool removeFile(const tkFile& file) override { return _inner.removeFile(file); }
-
     bool safeSave(const tkFile& file, const std::string& contents) override {
         ++_faults->writes;
         if (_faults->diskFull) {
             return false;
         }
-        if (_faults->swapFails && _inner.exists(file)) {
-            // Everything up to the swap happens for real, so the temporary
-            // file with the new contents is there to be found.
-            const std::string temporary = tkFileManagerPosix::temporaryPathFor(file.path());
-            const std::unique_ptr<tkFile> made = _inner.makeFile(temporary);
-            _inner.safeSave(*made, contents);
+        if (_faults->swapFails && exists(file)) {
+            // Everything up to the swap happens for real, so the temporary file with the new
+            // contents is there to be found.
+            Posix::safeSave(*Posix::makeFile(temporaryPathFor(file.path())), contents);
             return false;
         }
-        return _inner.safeSave(file, contents);
+        return Posix::safeSave(file, contents);
     }
-
     std::unique_ptr<tkFile> makeFile(const std::string& path) override {
-        return std::make_unique<tkFaultyFile>(_inner.makeFile(path), _faults);
+        return std::make_unique<tkFaultyFile>(Posix::makeFile(path), _faults);
     }
-
-    std::vector<std::string> listDirectory(const std::string& path) override {
-        return _inner.listDirectory(path);
-    }
-
     int32_t openLocked(const std::string& path, int32_t mode) override {
         ++_faults->openLockedCalls;
-        if (_faults->lockFailures > 0) {
-            --_faults->lockFailures;
-            return -1;
-        }
-        return _inner.openLocked(path, mode);
+        return Posix::openLocked(path, mode);
     }
-
-    int32_t closeLocked(int32_t fd) override { return _inner.closeLocked(fd); }
-
-    std::string readFile(const tkFile& file) override { return _inner.readFile(file); }
-
     void replaceFile(const tkFile& file, const std::string& contents) override {
         ++_faults->writes;
-        const bool exists = _inner.exists(file);
-        std::string problem;
-        if (_faults->diskFull) {
-            problem = "No space left on device";
-        } else if (_faults->createFails) {
-            problem = "its folder does not allow a new file beside it (Permission denied)";
-        } else if (exists && !isWritable(file)) {
-            problem = "Permission denied";
-        }
+        const bool existed = exists(file);
+        const std::string problem =
+            _faults->diskFull ? "No space left on device"
+            : _faults->createFails
+                ? "its folder does not allow a new file beside it (Permission denied)"
+            : existed && !isWritable(file) ? "Permission denied"
+                                           : "";
         if (!problem.empty()) {
             throw tkFileWriteException("Could not save " + file.path() + ": " + problem + ".");
         }
-        if (!exists) {
-            ++_faults->creates;
-        }
-        _inner.replaceFile(file, contents);
+        _faults->creates += existed ? 0 : 1;
+        Posix::replaceFile(file, contents);
         _faults->replaced.push_back(file.path());
     }
-
     tkLockAttempt lockFile(const std::string& path, int32_t waitMillis) override {
         ++_faults->openLockedCalls;
-        if (_faults->lockFailures > 0) {
-            --_faults->lockFailures;
-            tkLockAttempt refused;
-            refused.heldElsewhere = true;
-            return refused;
-        }
-        return _inner.lockFile(path, waitMillis);
-    }
-
-    bool makePrivate(const tkFile& file) override { return _inner.makePrivate(file); }
-
-    int32_t sweepTemporaries(const std::string& folder,
-                             const std::vector<std::string>& names) override {
-        return _inner.sweepTemporaries(folder, names);
+        return Posix::lockFile(path, waitMillis);
     }
 
   private:
-    tkFileManagerPosix _inner;
-    std::shared_ptr<tkFileFaults> _faults;
+    std::shared_ptr<tkFileFaults> _faults = std::make_shared<tkFileFaults>();
 };

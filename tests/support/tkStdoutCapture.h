@@ -6,26 +6,15 @@
 #include <iostream>
 #include <string>
 
-// Test helper: captures what is written to standard output between its
-// construction and take() (exception lines, parser diagnostics). Only one
-// capture can run at a time.
-//
-//   tkStdoutCapture out;
-//   stringToDouble("x", -1.0);
-//   EXPECT_EQ(out.take(), "could not parse double from string: x\n");
+// Test helper: captures what is written to standard output between its construction and
+// take() (exception lines, parser diagnostics). Only one capture can run at a time.
 class tkStdoutCapture {
   public:
     tkStdoutCapture() {
         std::cout.flush();
         testing::internal::CaptureStdout();
-        _capturing = true;
     }
-    ~tkStdoutCapture() {
-        if (_capturing) {
-            take();
-        }
-    }
-
+    ~tkStdoutCapture() { take(); }
     tkStdoutCapture(const tkStdoutCapture&) = delete;
     tkStdoutCapture& operator=(const tkStdoutCapture&) = delete;
 
@@ -41,5 +30,5 @@ class tkStdoutCapture {
     }
 
   private:
-    bool _capturing = false;
+    bool _capturing = true;
 };

@@ -10,16 +10,32 @@
 #include <fstream>
 #include <iterator>
 #include <optional>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <system_error>
 
-// Test helper: a fresh temporary folder that stands in for the user's home
-// for the life of the object. HOME points at it and XDG_DATA_HOME at its
-// "data" subfolder, so every default path of the program lands inside; both
-// variables are restored and the folder removed (whatever its permissions)
-// when the object goes.
+namespace tkTestFiles {
+
+// The whole file, or nullopt when it can't be opened.
+inline std::optional<std::string> read(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        return std::nullopt;
+    }
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+inline void write(const std::string& path, const std::string& text) {
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
+}
+
+}  // namespace tkTestFiles
+
+// Test helper: a fresh temporary folder that stands in for the user's home for the life of
+// the object. HOME points at it and XDG_DATA_HOME at its "data" subfolder, so every default
+// path of the program lands inside; both variables are restored and the folder removed
+// (whatever its permissions) when the object goes.
 //
 //   tkTempHome home;
 //   home.writeText("data/Tekamo/Chronolet Timers.txt", "...");
@@ -27,8 +43,10 @@
 class tkTempHome {
   public:
     tkTempHome() {
-        saveVariable("HOME", _oldHome);
-        saveVariable("XDG_DATA_HOME", _oldDataHome);
+        for (int i = 0; i < 2; ++i) {
+            const char* value = std::getenv(kVariables[i]);
+            _saved[i] = value != nullptr ? std::optional<std::string>(value) : std::nullopt;
+        }
         std::string pattern = (std::filesystem::temp_directory_path() / "tkhome.XXXXXX").string();
         if (::mkdtemp(pattern.data()) == nullptr) {
             throw std::runtime_error("mkdtemp failed");
@@ -39,11 +57,11 @@ class tkTempHome {
     }
 
     ~tkTempHome() {
-        restoreVariable("HOME", _oldHome);
-        restoreVariable("XDG_DATA_HOME", _oldDataHome);
+        for (int i = 0; i < 2; ++i) {
+            _saved[i] ? ::setenv(kVariables[i], _saved[i]->c_str(), 1) : ::unsetenv(kVariables[i]);
+        }
+        // A test may have taken write permission away; give it back so that the folder can go.
         std::error_code error;
-        // A test may have taken write permission away; give it back so that
-        // the folder can go.
         for (auto it = std::filesystem::recursive_directory_iterator(_root, error);
              !error && it != std::filesystem::recursive_directory_iterator(); it.increment(error)) {
             ::chmod(it->path().c_str(), 0700);
@@ -68,54 +86,28 @@ class tkTempHome {
     std::string path(const std::string& relative) const {
         return !relative.empty() && relative[0] == '/' ? relative : _root + "/" + relative;
     }
-
     // Writes the text, creating the folders above.
     void writeText(const std::string& relative, const std::string& text) const {
-        const std::filesystem::path target = path(relative);
-        std::filesystem::create_directories(target.parent_path());
-        std::ofstream out(target, std::ios::binary | std::ios::trunc);
-        out << text;
+        tkTestFiles::write(path(relative), text);
     }
-
-    // The whole file, or nullopt when it can't be opened.
     std::optional<std::string> readText(const std::string& relative) const {
-        std::ifstream in(path(relative), std::ios::binary);
-        if (!in) {
-            return std::nullopt;
-        }
-        return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+        return tkTestFiles::read(path(relative));
     }
-
     bool exists(const std::string& relative) const {
         struct stat info;
         return ::lstat(path(relative).c_str(), &info) == 0;
     }
 
   private:
-    static void saveVariable(const char* name, std::optional<std::string>& slot) {
-        const char* value = std::getenv(name);
-        if (value != nullptr) {
-            slot = value;
-        }
-    }
-    static void restoreVariable(const char* name, const std::optional<std::string>& slot) {
-        if (slot) {
-            ::setenv(name, slot->c_str(), 1);
-        } else {
-            ::unsetenv(name);
-        }
-    }
-
+    static constexpr const char* kVariables[2] = {"HOME", "XDG_DATA_HOME"};
     std::string _root;
-    std::optional<std::string> _oldHome;
-    std::optional<std::string> _oldDataHome;
+    std::optional<std::string> _saved[2];
 };
 
-// Test helper for the one fixed path outside the temporary home,
-// "/tmp/corrupt_timers.txt", which every process on the machine shares.
-// While the guard lives it holds a lock that keeps other tests using it out
-// (waiting, not polling), and it moves whatever was there aside; when it goes
-// it removes what the test left and puts the earlier file back.
+// Test helper for the one fixed path outside the temporary home, "/tmp/corrupt_timers.txt",
+// which every process on the machine shares. While the guard lives it holds a lock that keeps
+// other tests using it out (waiting, not polling), and it moves whatever was there aside; when
+// it goes it removes what the test left and puts the earlier file back.
 class tkCorruptTimersGuard {
   public:
     static constexpr const char* kPath = "/tmp/corrupt_timers.txt";
@@ -143,19 +135,7 @@ class tkCorruptTimersGuard {
     tkCorruptTimersGuard(const tkCorruptTimersGuard&) = delete;
     tkCorruptTimersGuard& operator=(const tkCorruptTimersGuard&) = delete;
 
-    // Plants a file at the fixed path, as an earlier crash would have.
-    void plant(const std::string& text) const {
-        std::ofstream out(kPath, std::ios::binary | std::ios::trunc);
-        out << text;
-    }
-
-    std::optional<std::string> contents() const {
-        std::ifstream in(kPath, std::ios::binary);
-        if (!in) {
-            return std::nullopt;
-        }
-        return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    }
+    std::optional<std::string> contents() const { return tkTestFiles::read(kPath); }
 
   private:
     int _lock = -1;

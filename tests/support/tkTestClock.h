@@ -4,20 +4,14 @@
 
 #include "foundation/tkClock.h"
 
-// Test helper: while it lives, currentTimeMillis() answers the time it holds
-// instead of the wall clock; tests move it instead of sleeping. Restores the
-// wall clock when it goes.
-//
-//   tkTestClock clock(1'700'000'000'000);
-//   timer.start();
-//   clock.advance(90'000);  // a minute and a half later
+// Test helper: while it lives, currentTimeMillis() answers the time it holds instead of the
+// wall clock; tests move it instead of sleeping.
 class tkTestClock {
   public:
     explicit tkTestClock(int64_t startMillis = 1'700'000'000'000) : _now(startMillis) {
         setCurrentTimeSource([this] { return _now; });
     }
     ~tkTestClock() { setCurrentTimeSource(nullptr); }
-
     tkTestClock(const tkTestClock&) = delete;
     tkTestClock& operator=(const tkTestClock&) = delete;
 

@@ -54,7 +54,7 @@ class tkIdleWatchTest : public ::testing::Test {
         return watch.sample(clock.now() - lastInput);
     }
 
-    tkManualClock clock;
+    tkTestClock clock;
     tkIdleWatch watch;
     int64_t lastInput = 0;
 };

@@ -2,11 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <string>
-#include <vector>
-
-#include "foundation/tkNotificationCenter.h"
 #include "foundation/tkNotificationNames.h"
 #include "tests/support/tkNotificationRecorder.h"
 #include "tests/support/tkTestClock.h"
@@ -14,26 +9,7 @@
 #include "timers/tkHeadlessTimerWindow.h"
 #include "timers/tkTimerArray.h"
 #include "timers/tkTimerControl.h"
-#include "timers/tkTimerWindow.h"
-
-// A clock the test moves by hand; the wall clock comes back when it goes.
-using tkManualClock = tkTestClock;
-
-// Counts the posts of one notification name, from one sender or (null) any.
-class tkPostCounter {
-  public:
-    explicit tkPostCounter(std::string name, const void* sender = nullptr)
-        : name_(std::move(name)) {
-        recorder_.listen(name_, sender);
-    }
-
-    int count() const { return recorder_.count(name_); }
-    void reset() { recorder_.clear(); }
-
-  private:
-    std::string name_;
-    tkNotificationRecorder recorder_;
-};
+#include "timers/tkTimerController.h"
 
 // The headless window 0 (made on first use) and its user interface.
 inline tkHeadlessTimerWindow* headlessWindow() {
@@ -46,6 +22,11 @@ inline tkHeadlessTimerUI* headlessUI() {
 
 inline tkTimerArray& timers() {
     return tkTimerArray::instance();
+}
+
+// The number of the timer the window shows.
+inline uint32_t shownNumber() {
+    return headlessUI()->getTimerController()->getNumber();
 }
 
 // Makes timers the way the New Timer command does, in window 0.

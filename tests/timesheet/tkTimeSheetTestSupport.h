@@ -8,6 +8,7 @@
 #include "records/tkRecord.h"
 #include "records/tkRecordText.h"
 #include "timesheet/tkTimeSheet.h"
+#include "timesheet/tkUndoManager.h"
 
 // Test helpers for the time sheet. Records are written as one line with '|' between the six
 // fields (date|duration|employee|job number|fee code|description), and the description is
@@ -22,27 +23,31 @@ inline std::shared_ptr<tkRecord> entry(const std::string& date, const std::strin
     return entry(date + "|1:00:00||||" + description);
 }
 
-// The text of one field of every row, in row order.
-inline std::vector<std::string> column(const tkTimeSheet& sheet,
-                                       const std::string& field = "description") {
-    std::vector<std::string> texts;
-    for (uint32_t row = 0; row < sheet.rowCount(); ++row) {
-        texts.push_back(sheet.itemAtRow(row, field)->toString());
-    }
-    return texts;
-}
-
-// The same texts joined by '|', which reads better in an expectation: "a|b|c".
+// The text of one field of every row, in row order, joined by '|': "a|b|c".
 inline std::string joined(const tkTimeSheet& sheet, const std::string& field = "description") {
     std::string text;
-    for (const auto& item : column(sheet, field)) {
-        text += (text.empty() ? "" : "|") + item;
+    for (uint32_t row = 0; row < sheet.rowCount(); ++row) {
+        text += (row == 0 ? "" : "|") + sheet.itemAtRow(row, field)->toString();
     }
     return text;
 }
 
 inline std::vector<uint32_t> selected(const tkTimeSheet& sheet) {
     return *sheet.selection();
+}
+
+// The rows' descriptions, the selection, and the step undo would take back:
+// "a|b|c [2,0] Undo Delete".
+inline std::string view(tkTimeSheet& sheet) {
+    std::string rows;
+    for (uint32_t row : selected(sheet)) {
+        rows += (rows.empty() ? "" : ",") + std::to_string(row);
+    }
+    return joined(sheet) + " [" + rows + "] " + sheet.undoManager().getUndoPresentationName();
+}
+
+inline void select(tkTimeSheet& sheet, const std::vector<uint32_t>& rows) {
+    sheet.changeSelection(static_cast<uint32_t>(rows.size()), rows.data());
 }
 
 // Fills the sheet without undo steps: one record per description, all on the given date.

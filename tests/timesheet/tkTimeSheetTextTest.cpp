@@ -6,13 +6,14 @@
 #include <vector>
 
 #include "foundation/StringFormatException.h"
+#include "foundation/tkNotificationCenter.h"
 #include "foundation/tkNotificationNames.h"
 #include "foundation/tkTagParser.h"
 #include "records/tkDateFormatter.h"
 #include "records/tkKnownRecordItems.h"
 #include "tests/support/tkNotificationRecorder.h"
+#include "tests/support/tkThrown.h"
 #include "tests/timesheet/tkTimeSheetTestSupport.h"
-#include "timesheet/tkCompoundInsert.h"
 #include "timesheet/tkUndoManager.h"
 
 namespace {
@@ -37,35 +38,31 @@ class DayFirstFormatter : public tkDateFormatter {
 
 }  // namespace
 
+// Split at the line feeds, or at the returns of a text without them; blank lines are skipped.
 TEST(FileText, LineEndsAndBlankLinesAsTheyComeFromAnySystem) {
     const std::string a = line("1/1/20", "a");
     const std::string b = line("1/2/20", "b");
-    struct Case {
-        std::string name;
-        std::string text;
-        std::string rows;
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"", ""},
+        {"\n\n\n", ""},
+        {a + "\n" + b, "a|b"},
+        {"\n" + a + "\n\n\n" + b + "\n\n", "a|b"},
+        {a + "\r" + b + "\r", "a|b"},
+        {a + "\r", "a"},
+        // The return of a CRLF stays and becomes a trailing blank, as inside a line.
+        {a + "\r\n" + b + "\r\n", "a |b "},
+        {line("1/1/20", "x\ry") + "\n" + b, "x y|b"},
     };
-    const std::vector<Case> cases = {
-        {"empty", "", ""},
-        {"only line feeds", "\n\n\n", ""},
-        {"line feeds", a + "\n" + b + "\n", "a|b"},
-        {"no last line feed", a + "\n" + b, "a|b"},
-        {"blank lines", "\n" + a + "\n\n\n" + b + "\n\n", "a|b"},
-        {"carriage returns", a + "\r" + b + "\r", "a|b"},
-        {"one line, final return", a + "\r", "a"},
-        {"one line, no end", a, "a"},
-        // Split at the line feeds only; the return stays and becomes a trailing blank.
-        {"CRLF", a + "\r\n" + b + "\r\n", "a |b "},
-        {"return inside a line", line("1/1/20", "x\ry") + "\n" + b, "x y|b"},
-    };
-    for (const Case& c : cases) {
+    for (const auto& [text, rows] : cases) {
         tkTimeSheet sheet;
-        sheet.readTabbedText(c.text);
-        EXPECT_EQ(joined(sheet), c.rows) << c.name;
+        sheet.readTabbedText(text);
+        EXPECT_EQ(joined(sheet), rows) << text;
     }
 }
 
-TEST(FileText, WritesEveryRowAsItsTabLineAndReadsBackTheSameRows) {
+// The file is every row's tab line, read back to the same rows; the text the sheet keeps
+// between saves follows every change of a row's text, even those that move no row.
+TEST(FileText, TheFileTextIsEveryRowsLineAndFollowsEveryChange) {
     tkTimeSheet sheet;
     const std::string text =
         "1/2/20\t01:00:00\tAB\t123\tFC\tsame day, first\n"
@@ -73,25 +70,11 @@ TEST(FileText, WritesEveryRowAsItsTabLineAndReadsBackTheSameRows) {
         "1/3/20\t100:00:00\tAB\t\tFC\tcaf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80\n";
     sheet.readTabbedText(text);
     EXPECT_EQ(sheet.tabbedText(), text);
-    std::string lines;
-    for (const auto& record : sheet.rows()) {
-        lines += toTabLine(*record, false) + "\n";
-    }
-    EXPECT_EQ(sheet.tabbedText(), lines);
-
-    tkTimeSheet reread;
-    reread.readTabbedText(sheet.tabbedText());
-    EXPECT_EQ(reread.tabbedText(), text);
+    EXPECT_EQ(sheet.fileText(), text);
     EXPECT_EQ(tkTimeSheet().tabbedText(), "");
-}
 
-// The sheet keeps the file text between saves; the changes that don't insert or remove a row
-// must renew it all the same.
-TEST(FileText, KeptTextFollowsEveryChangeOfARowsText) {
-    tkTimeSheet sheet;
-    sheet.readTabbedText(line("1/1/20", "a") + "\n" + line("1/2/20", "b") + "\n");
-    const std::shared_ptr<tkRecord> putBack = entry("1/3/20", "c");
-    sheet.insertRecordAtRow(putBack, 2);
+    const std::shared_ptr<tkRecord> putBack = entry("1/4/20", "c");
+    sheet.insertRecordAtRow(putBack, 3);
     tkKnownRecordItems& known = tkKnownRecordItems::instance();
     const struct {
         const char* change;
@@ -100,7 +83,6 @@ TEST(FileText, KeptTextFollowsEveryChangeOfARowsText) {
         {"cell", [&] { sheet.setItem(0, "description", "cell"); }},
         {"record taken in", [&] { sheet.recordAtRow(1)->setField("employee", "emp"); }},
         {"record put back", [&] { putBack->setField("fee code", "fee"); }},
-        // "EMP" is the only employee besides the empty one, at index -1.
         {"renamed code", [&] { known.renameAt("employee", 0, "x"); }},
     };
     for (const auto& c : cases) {
@@ -114,55 +96,28 @@ TEST(FileText, KeptTextFollowsEveryChangeOfARowsText) {
     }
 }
 
-TEST(FileText, LoadSortsByDateKeepsEqualsInFileOrderAndJoinsPresentRows) {
-    tkTimeSheet sheet;
-    sheet.readTabbedText(line("3/1/20", "c") + "\n" + line("1/1/20", "a1") + "\n" +
-                         line("2/1/20", "b") + "\n" + line("1/1/20", "a2") + "\n");
-    EXPECT_EQ(joined(sheet), "a1|a2|b|c");
-    EXPECT_TRUE(sheet.isDirty());
-    // A second file joins the rows already there, and is no undo step either.
-    sheet.readTabbedText(line("1/2/20", "a3") + "\n");
-    EXPECT_EQ(joined(sheet), "a1|a2|a3|b|c");
-    EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{2}));
-    EXPECT_FALSE(sheet.undoManager().canUndo());
-}
-
-TEST(FileText, BadLineAnywhereAddsNoRowAndNoStep) {
-    struct Case {
-        std::string bad;
-        std::string message;
-    };
-    const std::vector<Case> cases = {
+// Whichever reader meets a bad line, nothing of the text goes in: no row, no step, no post.
+TEST(FileText, ABadLineAnywhereAddsNothing) {
+    const std::vector<std::pair<std::string, std::string>> cases = {
         {"just words", "Not enough tabs in line: just words"},
         {"1/1/20\t1\t\t\t\t\t", "Too many tabs in line: 1/1/20\t1\t\t\t\t\t"},
         {"2020-01-01\t1\t\t\t\t",
          "Date fields in Chronolet Plus data files must have at least one '/' character."},
     };
-    for (const Case& c : cases) {
+    for (const auto& [bad, message] : cases) {
         tkTimeSheet sheet;
         sheet.readTabbedText(line("1/1/20", "kept") + "\n");
-        sheet.changeSelection(1, std::vector<uint32_t>{0}.data());
+        select(sheet, {0});
         sheet.setDirty(false);
         tkNotificationRecorder recorder;
         recorder.listen(kTimeSheetBecameDirty, &sheet);
         recorder.listen(kTimeSheetSelectionChanged, &sheet);
-        const std::string text =
-            line("1/2/20", "x") + "\n" + c.bad + "\n" + line("1/3/20", "y") + "\n";
-        for (int reader = 0; reader < 3; ++reader) {
-            try {
-                reader == 0   ? sheet.readTabbedText(text)
-                : reader == 1 ? (void)sheet.addTabbedText(text)
-                              : (void)sheet.pasteText(text);
-                ADD_FAILURE() << "accepted " << c.bad;
-            } catch (const StringFormatException& e) {
-                EXPECT_EQ(e.message(), c.message);
-            }
-        }
-        EXPECT_EQ(joined(sheet), "kept") << c.bad;
-        EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{0})) << c.bad;
-        EXPECT_TRUE(recorder.empty()) << c.bad;
-        EXPECT_FALSE(sheet.isDirty()) << c.bad;
-        EXPECT_FALSE(sheet.undoManager().canUndo()) << c.bad;
+        const std::string text = line("1/2/20", "x") + "\n" + bad + "\n" + line("1/3/20", "y");
+        EXPECT_EQ(thrown([&] { sheet.readTabbedText(text); }), "StringFormatException|" + message);
+        EXPECT_EQ(thrown([&] { sheet.addTabbedText(text); }), "StringFormatException|" + message);
+        EXPECT_EQ(thrown([&] { sheet.pasteText(text); }), "StringFormatException|" + message);
+        EXPECT_EQ(view(sheet), "kept [0] Can't Undo") << bad;
+        EXPECT_FALSE(sheet.isDirty() || !recorder.empty()) << bad;
     }
 }
 
@@ -170,7 +125,6 @@ TEST(FileText, BadLineAnywhereAddsNoRowAndNoStep) {
 TEST(FileText, LoadPostsExactlyWhatTheUndoableAddPosts) {
     const std::string text = line("1/3/20", "c") + "\n" + line("1/1/20", "a") + "\n";
     std::vector<std::vector<std::string>> posts;
-    std::vector<std::vector<uint32_t>> selections;
     for (bool undoable : {false, true}) {
         tkTimeSheet sheet;
         sheet.readTabbedText(line("1/2/20", "b") + "\n");
@@ -181,75 +135,153 @@ TEST(FileText, LoadPostsExactlyWhatTheUndoableAddPosts) {
         }
         undoable ? (void)sheet.addTabbedText(text) : sheet.readTabbedText(text);
         posts.push_back(recorder.names());
-        selections.push_back(selected(sheet));
-        EXPECT_EQ(joined(sheet), "a|b|c");
+        EXPECT_EQ(view(sheet),
+                  undoable ? "a|b|c [0,2] Undo Add Entries" : "a|b|c [0,2] Can't Undo");
     }
     EXPECT_EQ(posts[0], posts[1]);
     EXPECT_EQ(posts[0].size(), 9u);
-    EXPECT_EQ(selections[0], (std::vector<uint32_t>{0, 2}));
-    EXPECT_EQ(selections[1], selections[0]);
 }
 
-TEST(FileText, TaggedRecordsGoInAtTheirSortedPlacesAndOtherChildrenAreSkipped) {
+// Copied rows (in selection order, dates in the user's form) come back as one step, each
+// behind its equals, and selected; the step is named by the count of its parts.
+TEST(Paste, CopiedRowsComeBackAsOneStepBehindTheirEqualsAndSelected) {
+    installDateFormatter(std::make_unique<DayFirstFormatter>());
     tkTimeSheet sheet;
-    std::unique_ptr<tkTagNode> root = tkTagParser().parse(
+    sheet.readTabbedText(line("1/1/20", "a") + "\n" + line("1/2/20", "b") + "\n" +
+                         line("1/3/20", "c") + "\n" + line("12/4/20", "d") + "\n");
+    select(sheet, {3, 0, 2});
+    const std::string copied = sheet.selectedRowsAsTabbedText(true);
+    EXPECT_EQ(copied, line("4/12/20", "d") + "\n" + line("1/1/20", "a") + "\n" +
+                          line("3/1/20", "c") + "\n");
+    const std::vector<uint32_t> rows = sheet.pasteText(copied);
+    installDateFormatter(nullptr);
+    EXPECT_EQ(joined(sheet, "date"), "1/1/20|1/1/20|1/2/20|1/3/20|1/3/20|12/4/20|12/4/20");
+    EXPECT_EQ(rows, selected(sheet));
+    const std::string pasted = view(sheet);
+    EXPECT_EQ(pasted, "a|a|b|c|c|d|d [1,4,6] Undo Add Entries");
+    sheet.undoManager().undo();
+    EXPECT_EQ(view(sheet), "a|b|c|d [3,0,2] Can't Undo");
+    sheet.undoManager().redo();
+    EXPECT_EQ(view(sheet), pasted);
+
+    // Nothing to paste is still a step, "Add Entry"; one line without a line end is already
+    // "Add Entries", and unsorted it goes last.
+    EXPECT_TRUE(sheet.pasteText("\n\n").empty());
+    EXPECT_EQ(view(sheet), "a|a|b|c|c|d|d [] Undo Add Entry");
+    sheet.setSortBy("off");
+    EXPECT_EQ(sheet.pasteText(line("1/1/20", "z")), (std::vector<uint32_t>{7}));
+    EXPECT_EQ(sheet.undoManager().getUndoPresentationName(), "Undo Add Entries");
+}
+
+// A load puts a whole file into the sheet at once; its rows must come out exactly where
+// inserting the records one by one, each at its sorted place, would put them.
+namespace {
+
+// Lines "date|duration|employee|job|fee|description", read as a file text.
+std::string fileText(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const auto& line : lines) {
+        text += replaceAll(line, "|", "\t") + "\n";
+    }
+    return text;
+}
+
+const std::vector<std::string> kMixedLines = {
+    "3/1/20|1:00|bo|7|dev|c1", "1/1/20|2:00|al|10|Mtg|a1", "3/1/20|0:30|AL|9|dev|c2",
+    "2/1/20|1:30|cy|7|mtg|b1", "1/1/20|0:15|bo|10|DEV|a2", "2/1/20|3:00|al|8|adm|b2",
+    "1/1/20|1:00|cy|9|mtg|a3", "3/1/20|2:30|bo|8|Adm|c3"};
+
+}  // namespace
+
+// For every key, into an empty sheet, into a filled one (the old rows first), and into rows put
+// out of order by hand, where the search lands where its halving leads.
+TEST(BulkRead, PlacesEachRowAsItsOwnInsertionWould) {
+    for (const char* key :
+         {"date", "duration", "employee", "job number", "fee code", "description", "off"}) {
+        for (const std::vector<std::string>& old :
+             {std::vector<std::string>{},
+              {"2/1/20|1:00|||zz|old-feb", "9/1/20|1:00|||aa|old-sep"}}) {
+            tkTimeSheet sheet;
+            tkTimeSheet reference;
+            sheet.applySortBy(key);
+            reference.applySortBy(key);
+            for (const auto& line : old) {
+                sheet.insertRecord(entry(line));
+                reference.insertRecord(entry(line));
+            }
+            sheet.readTabbedText(fileText(kMixedLines));
+            for (const auto& line : kMixedLines) {
+                reference.insertRecord(entry(line));
+            }
+            EXPECT_EQ(joined(sheet), joined(reference)) << "key " << key << ", " << old.size();
+        }
+    }
+    tkTimeSheet sheet;
+    tkTimeSheet reference;
+    for (tkTimeSheet* each : {&sheet, &reference}) {
+        each->insertRecordAtRow(entry("9/9/20", "late"), 0);
+        each->insertRecordAtRow(entry("1/1/20", "early"), 1);
+    }
+    sheet.readTabbedText(fileText({"5/5/20|1:00||||mid", "1/1/19|1:00||||first"}));
+    // The read rows go in sorted among themselves first.
+    reference.insertRecord(entry("1/1/19|1:00||||first"));
+    reference.insertRecord(entry("5/5/20|1:00||||mid"));
+    EXPECT_EQ(joined(sheet), joined(reference));
+}
+
+// A load is no undo step; it leaves the sheet dirty and its new rows selected. Tagged records
+// go in one by one, other children skipped.
+TEST(BulkRead, SelectsTheNewRowsAndMakesNoStep) {
+    tkTimeSheet sheet;
+    sheet.readTabbedText(fileText({"2/1/20|1:00||||b", "1/1/20|1:00||||a", "2/1/20|1:00||||c"}));
+    EXPECT_EQ(joined(sheet), "a|b|c");
+    EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{0, 1, 2}));
+    EXPECT_TRUE(sheet.isDirty());
+    sheet.readTabbedText(fileText({"1/2/20|1:00||||a2"}));
+    EXPECT_EQ(joined(sheet), "a|a2|b|c");
+    EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{1}));
+    sheet.addRecordsFromTags(*tkTagParser().parse(
         "<sheet><record><date>3/1/20</date><description>late</description></record>"
         "<note>skip</note>"
-        "<record><date>1/1/20</date><description>early</description></record></sheet>");
-    sheet.addRecordsFromTags(*root);
-    EXPECT_EQ(joined(sheet), "early|late");
+        "<record><date>1/1/20</date><description>early</description></record></sheet>"));
+    EXPECT_EQ(joined(sheet), "a|early|a2|b|c|late");
     EXPECT_FALSE(sheet.undoManager().canUndo());
 }
 
-TEST(Paste, CopiedRowsComeBackAsOneStepBehindTheirEqualsAndSelected) {
-    tkTimeSheet sheet;
-    sheet.readTabbedText(line("1/1/20", "a") + "\n" + line("1/2/20", "b") + "\n" +
-                         line("1/3/20", "c") + "\n" + line("1/4/20", "d") + "\n");
-    sheet.changeSelection(3, std::vector<uint32_t>{3, 0, 2}.data());
-    const std::string copied = sheet.selectedRowsAsTabbedText(true);
-    EXPECT_EQ(copied,
-              line("1/4/20", "d") + "\n" + line("1/1/20", "a") + "\n" + line("1/3/20", "c") + "\n");
-
-    const std::vector<uint32_t> rows = sheet.pasteText(copied);
-    EXPECT_EQ(joined(sheet), "a|a|b|c|c|d|d");
-    EXPECT_EQ(rows, (std::vector<uint32_t>{1, 4, 6}));
-    EXPECT_EQ(selected(sheet), rows);
-    EXPECT_EQ(sheet.undoManager().getUndoPresentationName(), "Undo Add Entries");
-
-    sheet.undoManager().undo();
-    EXPECT_EQ(joined(sheet), "a|b|c|d");
-    EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{3, 0, 2}));
-    sheet.undoManager().redo();
-    EXPECT_EQ(selected(sheet), rows);
-    EXPECT_EQ(sheet.rowCount(), 7u);
-}
-
-TEST(Paste, StepIsNamedByTheCountOfItsPartsNotOfItsEntries) {
-    for (const std::string text : {"", "\n\n"}) {
+// Each row's selection is posted on its own. An observer may keep the selection it is shown,
+// or only look at it; either way, what it was shown must never change later.
+TEST(BulkRead, EverySelectionPostedStaysAsItWasWhetherKeptOrDropped) {
+    const std::vector<std::string> lines = {"1/1/20|1:00||||a", "1/2/20|1:00||||b",
+                                            "1/3/20|1:00||||c", "1/4/20|1:00||||d",
+                                            "1/5/20|1:00||||e"};
+    const std::vector<std::vector<uint32_t>> expected = {
+        {}, {0}, {1}, {2}, {3}, {4}, {0, 1, 2, 3, 4}};
+    for (size_t keepEvery : {1, 2, 3, 0}) {
         tkTimeSheet sheet;
-        sheet.readTabbedText(line("1/1/20", "a") + "\n");
-        EXPECT_TRUE(sheet.pasteText(text).empty());
-        EXPECT_TRUE(selected(sheet).empty());
-        EXPECT_EQ(sheet.undoManager().getUndoPresentationName(), "Undo Add Entry");
-        sheet.undoManager().undo();
-        EXPECT_EQ(selected(sheet), (std::vector<uint32_t>{0}));
+        tkObserver observer;
+        std::vector<std::vector<uint32_t>> seen;
+        std::vector<tkRowSelection> kept;
+        std::vector<const void*> shown;
+        tkNotificationCenter::instance().addObserver(
+            &observer,
+            [&](const tkNotification&) {
+                seen.push_back(*sheet.selection());
+                shown.push_back(sheet.selection().get());
+                if (keepEvery != 0 && seen.size() % keepEvery == 0) {
+                    kept.push_back(sheet.selection());
+                }
+            },
+            kTimeSheetSelectionChanged, &sheet);
+        sheet.readTabbedText(fileText(lines));
+        tkNotificationCenter::instance().removeObserver(&observer, kTimeSheetSelectionChanged,
+                                                        &sheet);
+        EXPECT_EQ(seen, expected) << "keeping every " << keepEvery;
+        for (size_t i = 1; i < shown.size(); ++i) {
+            EXPECT_NE(shown[i], shown[i - 1]) << "post " << i << ", keeping every " << keepEvery;
+        }
+        for (size_t k = 0; k < kept.size(); ++k) {
+            EXPECT_EQ(*kept[k], expected[(k + 1) * keepEvery - 1])
+                << "kept " << k << ", keeping every " << keepEvery;
+        }
     }
-    // One line without a line end is already "Add Entries"; unsorted, it goes last.
-    tkTimeSheet sheet;
-    sheet.setSortBy("off");
-    sheet.readTabbedText(line("5/1/20", "b") + "\n");
-    EXPECT_EQ(sheet.pasteText(line("1/1/20", "a")), (std::vector<uint32_t>{1}));
-    EXPECT_EQ(sheet.undoManager().getUndoPresentationName(), "Undo Add Entries");
-}
-
-TEST(Paste, DatesTravelInTheUsersFormBothWays) {
-    installDateFormatter(std::make_unique<DayFirstFormatter>());
-    tkTimeSheet sheet;
-    sheet.readTabbedText(line("12/25/20", "xmas") + "\n");
-    sheet.changeSelection(2, std::vector<uint32_t>{0, 0}.data());
-    const std::string copied = sheet.selectedRowsAsTabbedText(true);
-    EXPECT_EQ(copied, line("25/12/20", "xmas") + "\n" + line("25/12/20", "xmas") + "\n");
-    sheet.pasteText(copied);
-    EXPECT_EQ(joined(sheet, "date"), "12/25/20|12/25/20|12/25/20");
-    installDateFormatter(nullptr);
 }

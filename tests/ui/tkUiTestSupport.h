@@ -92,18 +92,15 @@ class tkModalScript : public QObject {
             if (modal != nullptr && !steps_.empty() && modal->isVisible() &&
                 steps_.front()(modal)) {
                 steps_.pop_front();
-                ++done_;
             }
         });
         poll_.start(20);
     }
 
     void then(Step step) { steps_.push_back(std::move(step)); }
-    int done() const { return done_; }
     bool finished() const { return steps_.empty(); }
 
   private:
     QTimer poll_;
     std::deque<Step> steps_;
-    int done_ = 0;
 };

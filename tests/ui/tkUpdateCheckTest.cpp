@@ -69,14 +69,6 @@ class tkUpdateCheckTest : public ::testing::Test {
     int32_t build = 0;
 };
 
-TEST_F(tkUpdateCheckTest, OwnVersionComesFromTheBuild) {
-    const tkVersionInfo mine = tkVersionInfo::myVersionInfo();
-    EXPECT_EQ(mine.versionString(), QLatin1String(TK_VERSION));
-    EXPECT_GT(mine.buildNumber(), 0);
-    EXPECT_EQ(tkVersionInfo::feedUrl().path(), QLatin1String("/updates/cltmac.xml"))
-        << "the default feed, before any setting";
-}
-
 TEST_F(tkUpdateCheckTest, FeedsOverHttpAreComparedByBuildNumberAlone) {
     struct Case {
         const char* path;

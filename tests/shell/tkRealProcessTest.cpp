@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <random>
 #include <set>
@@ -14,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "foundation/tkFileLockedException.h"
 #include "preferences/tkPreferences.h"
 #include "records/tkDefaultRecord.h"
 #include "records/tkRecord.h"
@@ -27,12 +29,11 @@
 
 namespace {
 
-// The promise, for each file and each way of failing: a process killed with
-// SIGKILL at a random instant leaves files that load, none cut short, and
-// every change that returned with its file saved is on disk (a failed save
-// keeps its change pending and promises nothing yet). A worker launches and
-// makes change after change, reporting each after it returned; it is killed
-// after a random delay, and a fresh process loads the files and checks them.
+// The promise, for each file and each way of failing: a process killed with SIGKILL at a random
+// instant leaves files that load, none cut short, and every change that returned with its file
+// saved is on disk (a failed save keeps its change pending and promises nothing yet). A worker
+// launches and makes change after change, reporting each after it returned; it is killed after
+// a random delay, and a fresh process loads the files and checks them.
 
 constexpr int kRounds = 50;
 constexpr int kBase = 200;  // rows; a tenth as many timers
@@ -63,6 +64,14 @@ class tkFaultMatrixTest : public tkShellTest {
     std::string otherSheet(int round, int32_t step) const {
         return home.path("others/" + name('o', round, step) + ".txt");
     }
+    // Twenty rows of the sheet a switch at this step loads.
+    static std::string otherRows(int round, int32_t step) {
+        std::string text;
+        for (int i = 0; i < 20; ++i) {
+            text += row(name('x', round, step) + "_" + std::to_string(i));
+        }
+        return text;
+    }
 
     // Base content whose loss would show a file cut short.
     void makeBaseFiles(const std::string& sheet) {
@@ -80,6 +89,7 @@ class tkFaultMatrixTest : public tkShellTest {
         home.writeText(timersPath(), timersText(titles));
     }
 
+    // Step -1 only says that the launch is done.
     void work(const Case& c, int round, int32_t fullFrom, int reports) {
         if (c.unprivileged && ::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) {
             ::_exit(3);
@@ -87,29 +97,26 @@ class tkFaultMatrixTest : public tkShellTest {
         c.injectedFullDisk ? launchFaulty() : launch();
         for (int32_t step = -1;; ++step) {
             int32_t switched = 0;
-            if (step >= 0) {
-                if (faulty != nullptr) {
-                    faulty->faults().diskFull = step >= fullFrom;
-                }
-                if (c.changes & kSwitch) {
-                    const bool load = step % 2 == 1;
-                    switched = switchTimeSheet(
-                        *fileFromPath(load ? otherSheet(round, step)
-                                           : home.path("new/" + name('n', round, step))),
-                        load, !load);
-                }
-                if (c.changes & (kRow | kSwitch)) {
-                    tkTimeSheet::instance().addEntry(std::make_shared<tkRecord>(
-                        "1/2/3", "00:01:00", "EMP", "JOB", "FEE", rowName(c, round, step)));
-                }
-                if (c.changes & kTitle) {
-                    tkTimerArray::instance().timerAt(0)->setTitle(name('t', round, step));
-                }
-                if (c.changes & kDefault) {
-                    setDefaultField(kFieldDescription, name('d', round, step));
-                }
+            if (faulty != nullptr) {
+                faulty->faults().diskFull = step >= fullFrom;
             }
-            // Step -1 only says that the launch is done.
+            if (step >= 0 && (c.changes & kSwitch)) {
+                const bool load = step % 2 == 1;
+                switched =
+                    switchTimeSheet(*fileFromPath(load ? otherSheet(round, step)
+                                                       : home.path("n/" + name('n', round, step))),
+                                    load, !load);
+            }
+            if (step >= 0 && (c.changes & (kRow | kSwitch))) {
+                tkTimeSheet::instance().addEntry(std::make_shared<tkRecord>(
+                    "1/2/3", "00:01:00", "EMP", "JOB", "FEE", rowName(c, round, step)));
+            }
+            if (step >= 0 && (c.changes & kTitle)) {
+                tkTimerArray::instance().timerAt(0)->setTitle(name('t', round, step));
+            }
+            if (step >= 0 && (c.changes & kDefault)) {
+                setDefaultField(kFieldDescription, name('d', round, step));
+            }
             const Report report{
                 step,
                 {switched == 0 && !tkTimeSheet::instance().isDirty(),
@@ -157,9 +164,8 @@ class tkFaultMatrixTest : public tkShellTest {
                 << name('r', round, step);
             // A sheet read in a switch keeps every row it had.
             const std::optional<std::string> other = home.readText(otherSheet(round, step));
-            for (int i = 0; (c.changes & kSwitch) && step % 2 == 1 && other && i < 20; ++i) {
-                EXPECT_NE(other->find(row(name('x', round, step) + "_" + std::to_string(i))),
-                          std::string::npos);
+            if ((c.changes & kSwitch) && step % 2 == 1 && other) {
+                EXPECT_NE(other->find(otherRows(round, step)), std::string::npos) << step;
             }
         }
         if (c.changes & kTitle) {
@@ -176,11 +182,7 @@ class tkFaultMatrixTest : public tkShellTest {
         std::mt19937 random(seed);
         for (int round = 0; round < kRounds; ++round) {
             for (int32_t step = 1; (c.changes & kSwitch) && step < 60; step += 2) {
-                std::string text;
-                for (int i = 0; i < 20; ++i) {
-                    text += row(name('x', round, step) + "_" + std::to_string(i));
-                }
-                home.writeText(otherSheet(round, step), text);
+                home.writeText(otherSheet(round, step), otherRows(round, step));
             }
             int pipeEnds[2];
             ASSERT_EQ(::pipe(pipeEnds), 0);
@@ -203,9 +205,7 @@ class tkFaultMatrixTest : public tkShellTest {
             int status = 0;
             ASSERT_EQ(::waitpid(worker, &status, 0), worker);
             ASSERT_TRUE(WIFSIGNALED(status)) << "worker ended by itself, seed " << seed;
-            Report report{};
-            while (::read(pipeEnds[0], &report, sizeof report) ==
-                   static_cast<ssize_t>(sizeof report)) {
+            for (Report report{}; ::read(pipeEnds[0], &report, sizeof report) == sizeof report;) {
                 reports.push_back(report);
             }
             ::close(pipeEnds[0]);
@@ -225,28 +225,14 @@ class tkFaultMatrixTest : public tkShellTest {
     }
 };
 
-TEST_F(tkFaultMatrixTest, KilledWhileSavingTheTimeSheet) {
-    makeBaseFiles(sheetPath());
-    runRounds({kRow});
+TEST_F(tkFaultMatrixTest, KilledWhileSavingEachFile) {
+    for (const int changes : {kRow, kTitle, kDefault, kSwitch}) {
+        makeBaseFiles(sheetPath());
+        runRounds({changes});
+    }
 }
 
-TEST_F(tkFaultMatrixTest, KilledWhileSavingTheTimers) {
-    makeBaseFiles(sheetPath());
-    runRounds({kTitle});
-}
-
-TEST_F(tkFaultMatrixTest, KilledWhileSavingThePreferences) {
-    makeBaseFiles(sheetPath());
-    runRounds({kDefault});
-}
-
-TEST_F(tkFaultMatrixTest, KilledWhileSwitchingTimeSheets) {
-    makeBaseFiles(sheetPath());
-    runRounds({kSwitch});
-}
-
-// A shared sheet of another user, everyone's to write: replaced whole,
-// never rewritten in place.
+// A shared sheet of another user, everyone's to write: replaced whole, never rewritten in place.
 TEST_F(tkFaultMatrixTest, KilledWhileSavingASheetOwnedByAnotherUser) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "needs root to stand in for two users";
@@ -260,9 +246,8 @@ TEST_F(tkFaultMatrixTest, KilledWhileSavingASheetOwnedByAnotherUser) {
     runRounds({kRow, true});
 }
 
-// Every save refused: read-only timers and preferences files and, where
-// root can make one, a sheet in a folder that takes no new file. All stay
-// whole.
+// Every save refused: read-only timers and preferences files and, where root can make one, a
+// sheet in a folder that takes no new file. All stay whole.
 TEST_F(tkFaultMatrixTest, KilledWhilePermissionsRefuseTheSaves) {
     const bool root = ::geteuid() == 0;
     const std::string sheet = root ? home.path("locked/sheet.txt") : sheetPath();
@@ -274,17 +259,14 @@ TEST_F(tkFaultMatrixTest, KilledWhilePermissionsRefuseTheSaves) {
         handDataFolderOver();
     }
     for (const std::string& path : {timersPath(), preferencesPath()}) {
-        if (root) {
-            ASSERT_EQ(::chown(path.c_str(), 0, 0), 0);
-        }
+        ASSERT_EQ(root ? ::chown(path.c_str(), 0, 0) : 0, 0);
         ASSERT_EQ(::chmod(path.c_str(), 0444), 0);
     }
     runRounds({kRow | kTitle | kDefault, root});
 }
 
-// A full file system: a 64 KiB tmpfs where one can be mounted (in a mount
-// namespace of its own, gone with the test's processes), otherwise the
-// fault-injecting file manager.
+// A full file system: a 64 KiB tmpfs where one can be mounted (in a mount namespace of its own,
+// gone with the test's processes), otherwise the fault-injecting file manager.
 TEST_F(tkFaultMatrixTest, KilledWhileTheDiskIsFull) {
     const int verdict = inChild([&] {
         if (::unshare(CLONE_NEWNS) != 0 ||
@@ -305,6 +287,90 @@ TEST_F(tkFaultMatrixTest, KilledWhileTheDiskIsFull) {
               << std::endl;
     makeBaseFiles(sheetPath());
     runRounds({kRow | kTitle | kDefault, false, true});
+}
+
+}  // namespace
+
+namespace {
+
+// One owner of the time sheet, always, shown with real processes.
+using tkSecondCopyTest = tkShellTest;
+
+// Every save replaces the sheet's file, and at no moment of it may another user's copy that
+// shares the sheet (a data folder of its own) open it.
+TEST_F(tkSecondCopyTest, NoOtherProcessGetsTheSheetWhileItsOwnerSavesOverAndOver) {
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    const pid_t owner = ::fork();
+    ASSERT_GE(owner, 0);
+    if (owner == 0) {
+        launch();
+        (void)!::write(ready[1], "1", 1);
+        for (int i = 0;; ++i) {
+            tkTimeSheet::instance().addEntry(rowRecord("saved " + std::to_string(i)));
+        }
+    }
+    char launched = 0;
+    ASSERT_EQ(::read(ready[0], &launched, 1), 1);
+    const int verdict = inChild([&] {
+        (void)!std::freopen("/dev/null", "w", stdout);
+        ::setenv("XDG_DATA_HOME", home.path("other user").c_str(), 1);
+        installFaulty();
+        tkPreferences::instance().setTimeSheetFile(sheetPath(), false);
+        for (int attempt = 0; attempt < 3000; ++attempt) {
+            try {
+                openTimeSheet();
+                ADD_FAILURE() << "admitted at attempt " << attempt;
+                return;
+            } catch (const tkFileLockedException&) {
+            }
+        }
+    });
+    ::kill(owner, SIGKILL);
+    ::waitpid(owner, nullptr, 0);
+    EXPECT_EQ(verdict, 0) << "a second process got the sheet while its owner saved";
+}
+
+// Twenty copies start at once; one refused because another runs quits, and is started again
+// until it gets in. No record is lost.
+TEST_F(tkSecondCopyTest, TwentyCopiesAddingAtOnceWithRetriesLoseNoRecord) {
+    constexpr int kCopies = 20;
+    std::vector<pid_t> adders;
+    for (int i = 0; i < kCopies; ++i) {
+        const pid_t adder = ::fork();
+        ASSERT_GE(adder, 0);
+        if (adder == 0) {
+            (void)!std::freopen("/dev/null", "w", stdout);
+            (void)!std::freopen("/dev/null", "w", stderr);
+            for (int status = 2; status == 2;) {
+                status = inChild([&] {
+                    launch();
+                    if (frontEnd.quitRequested()) {
+                        ::_exit(2);
+                    }
+                    tkTimeSheet::instance().addEntry(rowRecord("copy " + std::to_string(i)));
+                    sequence->terminate();
+                });
+                if (status != 2) {
+                    ::_exit(status);
+                }
+            }
+        }
+        adders.push_back(adder);
+    }
+    for (const pid_t adder : adders) {
+        int status = 0;
+        ASSERT_EQ(::waitpid(adder, &status, 0), adder);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+    launch();
+    std::multiset<std::string> found;
+    for (const auto& added : tkTimeSheet::instance().rows()) {
+        found.insert(added->description()->toString());
+    }
+    for (int i = 0; i < kCopies; ++i) {
+        EXPECT_EQ(found.count("copy " + std::to_string(i)), 1u) << i;
+    }
 }
 
 }  // namespace
