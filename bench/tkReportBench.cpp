@@ -3,10 +3,10 @@
 
 #include <QDateTime>
 #include <QDir>
-#include <QGuiApplication>
 #include <QPrinter>
 #include <string>
 
+#include "bench/tkQtBenchMain.h"
 #include "bench/tkTimeSheetBenchData.h"
 #include "report/tkReportSnapshot.h"
 #include "timesheet/tkTimeSheet.h"
@@ -70,15 +70,6 @@ BENCHMARK(BM_ReportToPdf)->Arg(100000)->Unit(benchmark::kMillisecond)->Iteration
 
 }  // namespace
 
-// Fonts need a GUI application; offscreen, so that the benchmark runs without a display.
 int main(int argc, char** argv) {
-    setenv("QT_QPA_PLATFORM", "offscreen", 0);
-    QGuiApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return runQtBenchmarks(argc, argv);
 }

@@ -7,7 +7,6 @@
 #include <stdlib.h>
 #include <unistd.h>
 
-#include <QApplication>
 #include <QElapsedTimer>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -23,6 +22,7 @@
 #include <string>
 
 #include "bench/tkBenchProcess.h"
+#include "bench/tkQtBenchMain.h"
 #include "bench/tkTimeSheetBenchData.h"
 #include "platform/tkUserInfoPosix.h"
 #include "preferences/tkPaths.h"
@@ -281,22 +281,11 @@ BENCHMARK(BM_DataCall)->ArgsProduct({{0, kRows / 2, kRows - 1}, {0, 5}});
 }  // namespace
 
 int main(int argc, char** argv) {
-    setenv("QT_QPA_PLATFORM", "offscreen", 0);
     const std::string runtime = "/tmp/tk-window-bench-" + std::to_string(::getpid());
     std::filesystem::create_directories(runtime);
     std::filesystem::permissions(runtime, std::filesystem::perms::owner_all);
     setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
-    int result = 0;
-    {
-        QApplication application(argc, argv);
-        benchmark::Initialize(&argc, argv);
-        if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-            return 1;
-        }
-        benchmark::RunSpecifiedBenchmarks();
-        benchmark::Shutdown();
-        tkCLTAppDelegate::closeAllWindows();
-    }
+    const int result = runQtBenchmarks(argc, argv, [] { tkCLTAppDelegate::closeAllWindows(); });
     std::filesystem::remove_all(runtime);
     return result;
 }

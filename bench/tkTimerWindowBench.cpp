@@ -6,13 +6,13 @@
 #include <unistd.h>
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <cstdint>
 #include <filesystem>
 #include <map>
 
+#include "bench/tkQtBenchMain.h"
 #include "foundation/tkClock.h"
 #include "platform/tkUserInfoPosix.h"
 #include "preferences/tkPaths.h"
@@ -91,7 +91,6 @@ BENCHMARK(BM_RunningTimerTick)->Iterations(200)->Unit(benchmark::kMicrosecond);
 }  // namespace
 
 int main(int argc, char** argv) {
-    setenv("QT_QPA_PLATFORM", "offscreen", 0);
     const std::filesystem::path home =
         std::filesystem::temp_directory_path() / ("tk-tick-bench-" + std::to_string(::getpid()));
     std::filesystem::create_directories(home / "run");
@@ -100,15 +99,7 @@ int main(int argc, char** argv) {
     setenv("XDG_DATA_HOME", (home / "data").c_str(), 1);
     setenv("XDG_CONFIG_HOME", (home / "config").c_str(), 1);
     setenv("XDG_RUNTIME_DIR", (home / "run").c_str(), 1);
-    {
-        QApplication application(argc, argv);
-        benchmark::Initialize(&argc, argv);
-        if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-            return 1;
-        }
-        benchmark::RunSpecifiedBenchmarks();
-        benchmark::Shutdown();
-    }
+    const int result = runQtBenchmarks(argc, argv);
     std::filesystem::remove_all(home);
-    return 0;
+    return result;
 }
