@@ -502,6 +502,14 @@ void tkTSUIQt::refreshTable() {
     _dataSource->noteNumberOfRowsChanged();
 }
 
+void tkTSUIQt::showSubtotals(bool shown) {
+    if (shown == _dataSource->subtotalsShown()) {
+        return;
+    }
+    _dataSource->setSubtotalsShown(shown);
+    setSelection(*_sheet.selection());
+}
+
 void tkTSUIQt::setSortBy(const std::string& key) {
     _sheet.setSortBy(key);
 }

@@ -82,6 +82,8 @@ class tkTSUIQt : public QWidget, public tkEditCommandTarget {
     void setSortBy(const std::string& key);
     // Checks the sort menu's item of the present key and marks its column in the header.
     void refreshSortBy();
+    // Shows or hides a subtotal band after each group, keeping the selection.
+    void showSubtotals(bool shown);
     // The sheet's rows may have come or gone, or any cell may read differently.
     void refreshTable();
     // Each shows its text in its field; a field that holds typing not yet taken keeps it.

@@ -1,10 +1,16 @@
 #include "ui/tkTimeSheetDataSource.h"
 
+#include <QBrush>
+#include <QColor>
+#include <QFont>
+#include <algorithm>
 #include <array>
 
 #include "records/tkDateFormatter.h"
+#include "records/tkDuration.h"
 #include "records/tkRecordFields.h"
 #include "records/tkStringConvertible.h"
+#include "report/tkReportSnapshot.h"
 #include "timesheet/tkTimeSheet.h"
 
 namespace {
@@ -18,6 +24,7 @@ const std::array<std::string, kFieldNames.size()>& columnKeys() {
 
 constexpr int kDateColumn = 0;
 constexpr int kDurationColumn = 1;
+constexpr int kDescriptionColumn = 5;
 
 }  // namespace
 
@@ -50,15 +57,61 @@ int tkTimeSheetDataSource::columnOfKey(const std::string& key) {
 }
 
 uint32_t tkTimeSheetDataSource::sheetRow(int tableRow) const {
-    if (tableRow < 0 || tableRow >= _shownRows ||
-        static_cast<uint32_t>(tableRow) >= _sheet.rowCount()) {
+    if (tableRow < 0 || tableRow >= _shownRows) {
         return kNoSheetRow;
     }
-    return static_cast<uint32_t>(tableRow);
+    // The bands above this row, and whether it is one itself.
+    const auto band = std::lower_bound(_bandRows.begin(), _bandRows.end(), tableRow);
+    if (band != _bandRows.end() && *band == tableRow) {
+        return kNoSheetRow;
+    }
+    const uint32_t row = static_cast<uint32_t>(tableRow - (band - _bandRows.begin()));
+    return row < _sheet.rowCount() ? row : kNoSheetRow;
 }
 
 int tkTimeSheetDataSource::tableRow(uint32_t sheetRow) const {
-    return sheetRow < static_cast<uint32_t>(_shownRows) ? static_cast<int>(sheetRow) : -1;
+    // Groups that end at or before this row put their band above it.
+    const auto after = std::upper_bound(_groups.begin(), _groups.end(), sheetRow,
+                                        [](uint32_t row, const tkGroupSubtotal& group) {
+                                            return row < group.firstRow + group.rowCount;
+                                        });
+    const int64_t row = static_cast<int64_t>(sheetRow) + (after - _groups.begin());
+    return row < _shownRows ? static_cast<int>(row) : -1;
+}
+
+const tkGroupSubtotal* tkTimeSheetDataSource::subtotalAt(int tableRow) const {
+    const auto band = std::lower_bound(_bandRows.begin(), _bandRows.end(), tableRow);
+    if (band == _bandRows.end() || *band != tableRow) {
+        return nullptr;
+    }
+    return &_groups[static_cast<size_t>(band - _bandRows.begin())];
+}
+
+void tkTimeSheetDataSource::setSubtotalsShown(bool shown) {
+    if (shown == _subtotals) {
+        return;
+    }
+    beginResetModel();
+    _subtotals = shown;
+    regroup();
+    _shownRows = static_cast<int>(_sheet.rowCount() + _groups.size());
+    endResetModel();
+}
+
+bool tkTimeSheetDataSource::regroup() {
+    std::vector<tkGroupSubtotal> groups;
+    if (_subtotals) {
+        groups = groupSubtotals(_sheet, false);
+    }
+    std::vector<int> bands;
+    bands.reserve(groups.size());
+    for (size_t k = 0; k < groups.size(); ++k) {
+        bands.push_back(static_cast<int>(groups[k].firstRow + groups[k].rowCount + k));
+    }
+    const bool moved = bands != _bandRows;
+    _groups = std::move(groups);
+    _bandRows = std::move(bands);
+    return moved;
 }
 
 QVariant tkTimeSheetDataSource::data(const QModelIndex& index, int role) const {
@@ -69,6 +122,9 @@ QVariant tkTimeSheetDataSource::data(const QModelIndex& index, int role) const {
         // Durations line up on their last digit, so that a column of them reads as sums do.
         return index.column() == kDurationColumn ? QVariant(Qt::AlignRight | Qt::AlignVCenter)
                                                  : QVariant(Qt::AlignLeft | Qt::AlignVCenter);
+    }
+    if (const tkGroupSubtotal* group = subtotalAt(index.row())) {
+        return subtotalData(*group, index.column(), role);
     }
     if (role != Qt::DisplayRole && role != Qt::EditRole) {
         return {};
@@ -85,6 +141,33 @@ QVariant tkTimeSheetDataSource::data(const QModelIndex& index, int role) const {
         return QString::fromStdString(dateToDisplay(item->toString()));
     }
     return QString::fromStdString(item->toString());
+}
+
+QVariant tkTimeSheetDataSource::subtotalData(const tkGroupSubtotal& group, int column,
+                                             int role) const {
+    switch (role) {
+        case Qt::DisplayRole:
+            if (column == kDurationColumn) {
+                return QString::fromStdString(tkDuration(group.totalSeconds).toString());
+            }
+            if (column == kDescriptionColumn) {
+                const std::string& key = _sheet.sortBy();
+                const std::string shown =
+                    key == columnKey(kDateColumn) ? dateToDisplay(group.keyText) : group.keyText;
+                return QString::fromStdString(subtotalLabel(key, shown, group.rowCount));
+            }
+            return {};
+        case Qt::FontRole: {
+            QFont bold;
+            bold.setBold(true);
+            return bold;
+        }
+        case Qt::BackgroundRole:
+            // A light band, so the eye finds the subtotals down a long table.
+            return QBrush(QColor(226, 232, 240));
+        default:
+            return {};
+    }
 }
 
 QVariant tkTimeSheetDataSource::headerData(int section, Qt::Orientation orientation,
@@ -104,6 +187,9 @@ QVariant tkTimeSheetDataSource::headerData(int section, Qt::Orientation orientat
 Qt::ItemFlags tkTimeSheetDataSource::flags(const QModelIndex& index) const {
     if (!index.isValid()) {
         return Qt::NoItemFlags;
+    }
+    if (subtotalAt(index.row()) != nullptr) {
+        return Qt::ItemIsEnabled | Qt::ItemNeverHasChildren;
     }
     return Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsEditable | Qt::ItemNeverHasChildren;
 }
@@ -125,8 +211,11 @@ bool tkTimeSheetDataSource::setData(const QModelIndex& index, const QVariant& va
 }
 
 void tkTimeSheetDataSource::noteNumberOfRowsChanged() {
-    const int rows = static_cast<int>(_sheet.rowCount());
-    if (rows != _shownRows) {
+    // The groups may change with any change of the rows, their count or not: the bands
+    // move with them.
+    const bool bandsMoved = regroup();
+    const int rows = static_cast<int>(_sheet.rowCount() + _groups.size());
+    if (rows != _shownRows || bandsMoved) {
         beginResetModel();
         _shownRows = rows;
         endResetModel();

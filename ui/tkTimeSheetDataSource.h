@@ -3,6 +3,9 @@
 #include <QAbstractTableModel>
 #include <cstdint>
 #include <string>
+#include <vector>
+
+#include "timesheet/tkGroupSubtotals.h"
 
 class tkTimeSheet;
 
@@ -16,6 +19,12 @@ class tkTimeSheet;
 // come or go. So the row count the views see is the one announced last: it moves only
 // inside noteNumberOfRowsChanged(), and until then a row the sheet no longer has reads as
 // empty.
+//
+// With subtotals shown, a band row follows each group of rows of equal sort key (one group
+// of every row while sorting is off): its duration is the sum of the group's, its
+// description names the key and the number of entries. Band rows are table rows only:
+// sheetRow() answers kNoSheetRow for them, they can't be selected or edited, and only the
+// group boundaries are kept (one entry per group), never a copy of the rows.
 class tkTimeSheetDataSource : public QAbstractTableModel {
     Q_OBJECT
 
@@ -39,18 +48,31 @@ class tkTimeSheetDataSource : public QAbstractTableModel {
     // The column of a field key; -1 for any other key ("off" among them).
     static int columnOfKey(const std::string& key);
 
-    // Every crossing between a table row and a sheet row goes through these two. Today
-    // they are the same number; rows of the table's own (a band of subtotals, say) change
-    // only these.
+    // Every crossing between a table row and a sheet row goes through these two: without
+    // subtotals they are the same number.
     uint32_t sheetRow(int tableRow) const;
     int tableRow(uint32_t sheetRow) const;
+
+    // Shows or hides the subtotal bands; the views are reset.
+    void setSubtotalsShown(bool shown);
+    bool subtotalsShown() const { return _subtotals; }
+    // The group whose subtotal a table row shows; null for a row of the sheet.
+    const tkGroupSubtotal* subtotalAt(int tableRow) const;
 
     // The sheet's rows or cells changed. A new row count resets the views; the same count
     // redraws every cell without touching selection, scroll position or an open editor.
     void noteNumberOfRowsChanged();
 
   private:
+    // The groups as the sheet stands; returns whether the band rows moved.
+    bool regroup();
+    QVariant subtotalData(const tkGroupSubtotal& group, int column, int role) const;
+
     tkTimeSheet& _sheet;
     // What the views were told last.
     int _shownRows = 0;
+    bool _subtotals = false;
+    std::vector<tkGroupSubtotal> _groups;
+    // The table row of each group's band, ascending.
+    std::vector<int> _bandRows;
 };

@@ -4,6 +4,7 @@
 
 #include "foundation/tkNotificationCenter.h"
 #include "foundation/tkNotificationNames.h"
+#include "preferences/tkPreferences.h"
 #include "records/tkDefaultRecord.h"
 #include "records/tkDuration.h"
 #include "records/tkRecordFields.h"
@@ -31,6 +32,7 @@ const Registration kRegistrations[] = {
     {kTimeSheetEndedCompoundEdit, &tkTimeSheetObserver::onCompoundEnded, Registration::From::Sheet},
     {kUndoStackChanged, &tkTimeSheetObserver::onUndoStackChanged, Registration::From::UndoManager},
     {kTimeSheetBulkChangeEnded, &tkTimeSheetObserver::onBulkChangeEnded, Registration::From::Sheet},
+    {kPreferencesChanged, &tkTimeSheetObserver::onPreferencesChanged, Registration::From::Anyone},
 };
 
 const void* senderOf(const Registration& registration, tkTimeSheet& sheet) {
@@ -56,6 +58,7 @@ tkTimeSheetObserver::tkTimeSheetObserver(tkTSUIQt& ui, tkTimeSheet& sheet)
             each.name, senderOf(each, sheet));
     }
     onDefaultRecordChanged();
+    _ui.showSubtotals(tkPreferences::instance().isSheetSubtotals());
     _ui.refreshTable();
     updateCounts();
 }
@@ -112,6 +115,14 @@ void tkTimeSheetObserver::onSelectionChanged() {
 
 void tkTimeSheetObserver::onSortByChanged() {
     _ui.refreshSortBy();
+    // The groups follow the key: the subtotal bands move even where no row does.
+    if (!_inCompoundEdit && !heldBack()) {
+        _ui.refreshTable();
+    }
+}
+
+void tkTimeSheetObserver::onPreferencesChanged() {
+    _ui.showSubtotals(tkPreferences::instance().isSheetSubtotals());
 }
 
 void tkTimeSheetObserver::onCompoundBegan() {

@@ -30,6 +30,7 @@ class tkTimeSheetObserver : public tkObserver {
     void onCompoundEnded();
     void onUndoStackChanged();
     void onBulkChangeEnded();
+    void onPreferencesChanged();
 
     // Fills the counters: the number of entries and their total, of the selected rows when
     // two or more are selected and of the whole sheet otherwise, and the delete button's

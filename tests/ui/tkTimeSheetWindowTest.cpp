@@ -15,11 +15,14 @@
 #include <QTimer>
 #include <algorithm>
 
+#include "preferences/tkPreferences.h"
 #include "records/tkDateFormatter.h"
 #include "records/tkDefaultRecord.h"
+#include "records/tkDuration.h"
 #include "records/tkKnownRecordItems.h"
 #include "records/tkRecord.h"
 #include "tests/ui/tkUiTestSupport.h"
+#include "timesheet/tkGroupSubtotals.h"
 #include "timesheet/tkTimeSheet.h"
 #include "timesheet/tkUndoManager.h"
 #include "ui/tkCompletingComboBox.h"
@@ -132,6 +135,48 @@ TEST_F(tkTimeSheetWindowTest, HeaderClicksSortByEachKeyAndAgainTurnSortingOff) {
     EXPECT_EQ(sheet().sortBy(), "employee");
     tkEditMenu::instance().item(Command::Undo)->trigger();
     EXPECT_EQ(sheet().sortBy(), "off");
+}
+
+// With the preference on, a band after each group of equal key holds the sum of the rows above
+// it, for every key and with sorting off; the bands take no part in selection or editing, and
+// every sheet row is shown once, in order.
+TEST_F(tkTimeSheetWindowTest, SubtotalBandsSumTheirGroupsAndStayOutOfTheSelection) {
+    launchWith(std::string(kFourRows) + "3/2/24\t00:45:00\tJC\tJ-3\tTAX\techo\n");
+    tkPreferences::instance().setSheetSubtotals(true);
+    const tkTimeSheetDataSource& model = *ui()->dataSource();
+    for (const char* key :
+         {"date", "duration", "employee", "job number", "fee code", "description", "off"}) {
+        sheet().setSortBy(key);
+        const std::vector<tkGroupSubtotal> groups = groupSubtotals(sheet(), false);
+        ASSERT_EQ(model.rowCount(), static_cast<int>(sheet().rowCount() + groups.size())) << key;
+        uint32_t nextSheetRow = 0;
+        int32_t sum = 0;
+        size_t bands = 0;
+        for (int row = 0; row < model.rowCount(); ++row) {
+            const QString duration = model.index(row, 1).data().toString();
+            if (model.sheetRow(row) == tkTimeSheetDataSource::kNoSheetRow) {
+                EXPECT_EQ(duration.toStdString(), tkDuration(sum).toString()) << key << " " << row;
+                EXPECT_FALSE(model.flags(model.index(row, 0)) & Qt::ItemIsSelectable) << key;
+                sum = 0;
+                ++bands;
+                continue;
+            }
+            EXPECT_EQ(model.sheetRow(row), nextSheetRow) << key;
+            EXPECT_EQ(model.tableRow(nextSheetRow++), row) << key;
+            sum += tkDuration(duration.toStdString()).totalSeconds();
+        }
+        EXPECT_EQ(bands, groups.size()) << key;
+        EXPECT_EQ(sum, 0) << key << ": the last group has its band";
+    }
+    // A click on the row below the first band selects the sheet row it shows.
+    sheet().setSortBy("employee");
+    const int firstBand = static_cast<int>(groupSubtotals(sheet(), false).front().rowCount);
+    selectRows({firstBand, firstBand + 1});
+    ASSERT_EQ(sheet().selectedRowCount(), 1u);
+    EXPECT_EQ(sheet().selection()->at(0), model.sheetRow(firstBand + 1));
+    tkPreferences::instance().setSheetSubtotals(false);
+    EXPECT_EQ(model.rowCount(), static_cast<int>(sheet().rowCount()));
+    EXPECT_EQ(sheet().selectedRowCount(), 1u) << "the selection outlives the bands";
 }
 
 // A date typed in the user's form reaches the sheet in the stored form, shows in the

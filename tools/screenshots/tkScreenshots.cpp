@@ -24,6 +24,7 @@
 #include "records/tkDuration.h"
 #include "records/tkKnownRecordItems.h"
 #include "records/tkRecord.h"
+#include "preferences/tkPreferences.h"
 #include "timers/ItkTimerUI.h"
 #include "timers/tkTimer.h"
 #include "timers/tkTimerArray.h"
@@ -150,6 +151,23 @@ bool timeSheetWindow(const QString& folder) {
     return save(window, folder, QStringLiteral("time-sheet-window"));
 }
 
+// The same window sorted by job, with a subtotal band after each job.
+bool timeSheetSubtotals(const QString& folder) {
+    tkTSUIQt* window = tkCLTAppDelegate::timeSheetUI();
+    if (window == nullptr) {
+        return false;
+    }
+    tkTimeSheet& sheet = tkTimeSheet::instance();
+    sheet.setSortBy("job number");
+    sheet.changeSelection(0, nullptr);
+    tkPreferences::instance().setSheetSubtotals(true);
+    window->resize(860, 520);
+    const bool saved = save(window, folder, QStringLiteral("time-sheet-subtotals"));
+    tkPreferences::instance().setSheetSubtotals(false);
+    sheet.setSortBy("date");
+    return saved;
+}
+
 bool aboutWindow(const QString& folder) {
     tkNibLoader::showAboutWindow();
     QWidget* about = nullptr;
@@ -201,6 +219,7 @@ int main(int argc, char** argv) {
             timerWindowWithList,
             timerMenu,
             timeSheetWindow,
+            timeSheetSubtotals,
             aboutWindow,
             errorWindow,
             screenshotPreferences,
