@@ -56,10 +56,8 @@ TEST_F(tkClipboardX11Test, RowsTravelToAnotherProcessAndBack) {
         environment.insert(QStringLiteral("ASAN_OPTIONS"),
                            sanitizer.replace(QStringLiteral("strict_string_checks=1"),
                                              QStringLiteral("strict_string_checks=0")));
-        home.writeText("lsan.supp", "leak:libdbus-1.so\n");
-        environment.insert(
-            QStringLiteral("LSAN_OPTIONS"),
-            QStringLiteral("suppressions=") + QString::fromStdString(home.path("lsan.supp")));
+        environment.insert(QStringLiteral("LSAN_OPTIONS"),
+                           QStringLiteral("suppressions=" TK_X11_SUPPRESSIONS));
         inner.setProcessEnvironment(environment);
         inner.setProcessChannelMode(QProcess::MergedChannels);
         inner.start(
