@@ -4,14 +4,14 @@ include(GNUInstallDirs)
 set(TK_APP_ID "com.tekamo.ChronoletPlus")
 
 install(TARGETS chronolet RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
-install(FILES "${PROJECT_SOURCE_DIR}/packaging/chronolet.1"
+install(FILES "${PROJECT_SOURCE_DIR}/resources/chronolet.1"
   DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
 
 if(TARGET chronolet-plus)
   install(TARGETS chronolet-plus RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
-  install(FILES "${PROJECT_SOURCE_DIR}/packaging/${TK_APP_ID}.desktop"
+  install(FILES "${PROJECT_SOURCE_DIR}/resources/${TK_APP_ID}.desktop"
     DESTINATION "${CMAKE_INSTALL_DATADIR}/applications")
-  configure_file("${PROJECT_SOURCE_DIR}/packaging/${TK_APP_ID}.metainfo.xml"
+  configure_file("${PROJECT_SOURCE_DIR}/resources/${TK_APP_ID}.metainfo.xml"
     "${CMAKE_BINARY_DIR}/generated/${TK_APP_ID}.metainfo.xml" @ONLY)
   install(FILES "${CMAKE_BINARY_DIR}/generated/${TK_APP_ID}.metainfo.xml"
     DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo")
