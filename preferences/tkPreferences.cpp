@@ -19,6 +19,17 @@ constexpr const char* kIdleMinutesKey = "idleMinutes";
 constexpr const char* kReportSubtotalsKey = "reportSubtotals";
 constexpr const char* kSheetSubtotalsKey = "timeSheetSubtotals";
 
+// Gives the field its new value; false when it held that value already, so that nothing
+// is posted for a setting set to what it was.
+template <typename T>
+bool replaced(T& field, T value) {
+    if (field == value) {
+        return false;
+    }
+    field = value;
+    return true;
+}
+
 }  // namespace
 
 tkPreferences& tkPreferences::instance() {
@@ -69,11 +80,9 @@ void tkPreferences::setDirty(bool value) {
 }
 
 void tkPreferences::setSingleWindowMode(bool value) {
-    if (value == _singleWindowMode) {
-        return;
+    if (replaced(_singleWindowMode, value)) {
+        markDirtyAndPost();
     }
-    _singleWindowMode = value;
-    markDirtyAndPost();
 }
 
 void tkPreferences::setTimeSheetOpen(bool value) {
@@ -83,44 +92,34 @@ void tkPreferences::setTimeSheetOpen(bool value) {
 }
 
 void tkPreferences::setTimeSheetWorldWritable(bool value) {
-    if (value == _timeSheetWorldWritable) {
-        return;
+    if (replaced(_timeSheetWorldWritable, value)) {
+        markDirtyAndPost();
     }
-    _timeSheetWorldWritable = value;
-    markDirtyAndPost();
 }
 
 void tkPreferences::setIdleCheckOn(bool value) {
-    if (value == _idleCheckOn) {
-        return;
+    if (replaced(_idleCheckOn, value)) {
+        markDirtyAndPost();
     }
-    _idleCheckOn = value;
-    markDirtyAndPost();
 }
 
 void tkPreferences::setIdleMinutes(int32_t minutes) {
     minutes = std::clamp(minutes, kMinIdleMinutes, kMaxIdleMinutes);
-    if (minutes == _idleMinutes) {
-        return;
+    if (replaced(_idleMinutes, minutes)) {
+        markDirtyAndPost();
     }
-    _idleMinutes = minutes;
-    markDirtyAndPost();
 }
 
 void tkPreferences::setReportSubtotals(bool value) {
-    if (value == _reportSubtotals) {
-        return;
+    if (replaced(_reportSubtotals, value)) {
+        markDirtyAndPost();
     }
-    _reportSubtotals = value;
-    markDirtyAndPost();
 }
 
 void tkPreferences::setSheetSubtotals(bool value) {
-    if (value == _sheetSubtotals) {
-        return;
+    if (replaced(_sheetSubtotals, value)) {
+        markDirtyAndPost();
     }
-    _sheetSubtotals = value;
-    markDirtyAndPost();
 }
 
 bool tkPreferences::setTimeSheetFile(const std::string& path, bool moveFile) {
